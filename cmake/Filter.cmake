@@ -1,0 +1,44 @@
+# The filter library: one folder a subsystem.
+set(VS_WML_SOURCES
+    data/vsd_wml.cpp
+    elements/anchor.cpp
+    elements/attribute_values.cpp
+    elements/image.cpp
+    elements/paragraph.cpp
+    elements/tag_processing.cpp
+    filter/instance.cpp
+    filter/read_loop.cpp
+    filter/stream.cpp
+    format/style.cpp
+    format/tag_stack.cpp
+    format/typeface.cpp
+    input/char_buffer.cpp
+    input/charset.cpp
+    input/decoder.cpp
+    lexer/item_reader.cpp
+    lexer/name_lookup.cpp
+    lexer/reference.cpp
+    support/heap.cpp
+    tables/table_output.cpp
+    tables/table_scan.cpp)
+
+# The objects are what the shared library and the tests of its inside are made of.
+add_library(vs_wml_objects OBJECT ${VS_WML_SOURCES})
+target_include_directories(vs_wml_objects PRIVATE ${PROJECT_SOURCE_DIR})
+set_target_properties(
+  vs_wml_objects PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+                            VISIBILITY_INLINES_HIDDEN ON)
+target_compile_options(vs_wml_objects PRIVATE -fno-exceptions -fno-rtti)
+target_compile_definitions(
+  vs_wml_objects PRIVATE VS_WML_BUILD_DATE="${VS_WML_BUILD_DATE}"
+                         VS_WML_BUILD_TIME="${VS_WML_BUILD_TIME}")
+vs_wml_warnings(vs_wml_objects)
+
+add_library(vs_wml SHARED $<TARGET_OBJECTS:vs_wml_objects>)
+add_library(vs_wml::vs_wml ALIAS vs_wml)
+# Linked as C, so that no C++ runtime comes with the library.
+set_target_properties(vs_wml PROPERTIES LINKER_LANGUAGE C VERSION 1.${PROJECT_VERSION} SOVERSION 1)
+target_link_options(vs_wml PRIVATE -Wl,--no-undefined -Wl,-z,relro,-z,now)
+target_include_directories(
+  vs_wml INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/filter>
+                   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
