@@ -38,7 +38,10 @@ add_library(vs_wml SHARED $<TARGET_OBJECTS:vs_wml_objects>)
 add_library(vs_wml::vs_wml ALIAS vs_wml)
 # Linked as C, so that no C++ runtime comes with the library.
 set_target_properties(vs_wml PROPERTIES LINKER_LANGUAGE C VERSION 1.${PROJECT_VERSION} SOVERSION 1)
-target_link_options(vs_wml PRIVATE -Wl,--no-undefined -Wl,-z,relro,-z,now)
+target_link_options(vs_wml PRIVATE -Wl,-z,relro,-z,now)
+if(NOT VS_WML_SANITIZE) # a sanitizer's symbols come from the program that loads the library
+  target_link_options(vs_wml PRIVATE -Wl,--no-undefined)
+endif()
 target_include_directories(
   vs_wml INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/filter>
                    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

@@ -1,0 +1,51 @@
+# The front door; everything is CMake behind it (cmake --list-presets).
+JOBS ?= $(shell nproc)
+PRESET ?= release
+PREFIX ?= /usr/local
+DESTDIR ?=
+BUILD := build/$(PRESET)
+
+.DEFAULT_GOAL := help
+.PHONY: help deps build demo test bench coverage deb install format clean
+
+help: ## this list
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+	@echo "  PRESET=asan, JOBS=4, PREFIX=/usr change what they do; presets: cmake --list-presets"
+
+deps:
+	@scripts/install-deps build test
+
+build: deps ## build the library, unwml and the tests in build/release
+	@mkdir -p build && cmake --preset $(PRESET) >$(BUILD).log 2>&1 || { cat $(BUILD).log; exit 1; }
+	@cmake --build --preset $(PRESET) -j $(JOBS)
+
+demo: build ## read a shipped deck
+	@$(BUILD)/examples/plain_text examples/decks/harbour.wml
+
+test: build ## build and run all tests
+	@ctest --preset $(PRESET) -j $(JOBS)
+
+bench: ## measure; prints the table of docs/performance.md
+	@scripts/install-deps build bench
+	@cmake --preset bench >/dev/null && cmake --build --preset bench -j $(JOBS)
+	@cmake --build --preset bench --target run_bench
+
+coverage: deps ## lines and branches of the library that the tests reach
+	@scripts/install-deps coverage
+	@cmake --preset coverage >/dev/null && cmake --build --preset coverage -j $(JOBS)
+	@ctest --preset coverage -j $(JOBS)
+	@gcovr --root . --object-directory build/coverage --exclude 'build/' --exclude tests/ \
+	  --exclude bench/ --exclude examples/ --print-summary
+
+deb: build ## build the Debian package in build/release
+	@cd $(BUILD) && cpack -G DEB
+
+install: build ## install under PREFIX (default /usr/local); DESTDIR is honoured
+	@cmake --install $(BUILD) --prefix $(PREFIX)
+
+format: ## clang-format all sources
+	@scripts/install-deps tool
+	@scripts/format
+
+clean: ## remove build/
+	@rm -rf build
