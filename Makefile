@@ -37,8 +37,10 @@ coverage: deps ## lines and branches of the library that the tests reach
 	@gcovr --root . --object-directory build/coverage --exclude 'build/' --exclude tests/ \
 	  --exclude bench/ --exclude examples/ --print-summary
 
-deb: build ## build the Debian package in build/release
-	@cd $(BUILD) && cpack -G DEB
+deb: ## build the Debian packages in dist/
+	@scripts/install-deps build package
+	@cmake --preset deb >/dev/null && cmake --build --preset deb -j $(JOBS)
+	@cd build/deb && cpack
 
 install: build ## install under PREFIX (default /usr/local); DESTDIR is honoured
 	@cmake --install $(BUILD) --prefix $(PREFIX)
