@@ -1,0 +1,19 @@
+// The item reader: one character, reference or tag at a time.
+#ifndef VS_WML_LEXER_ITEM_READER_H
+#define VS_WML_LEXER_ITEM_READER_H
+
+#include <cstdint>
+
+#include "filter/instance.h"
+
+// Capacity of an item's text, without its NUL.
+inline constexpr uint16_t ITEM_TEXT_MAX = SCRATCH_TEXT_SIZE - 1;
+
+// Reads the next item. `ch` gets the character of an ITEM_CHAR item or the value of
+// an ITEM_ENTITY item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes, the source of an
+// ITEM_ENTITY item or the digits of an ITEM_NUMREF item, else nothing. A tag leaves
+// its attributes in attrList. What cannot be read as markup comes back as characters
+// or as a tag that is TAG_NONE; at the end of the input the item is empty.
+void ReadNextItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc);
+
+#endif  // VS_WML_LEXER_ITEM_READER_H
