@@ -1,0 +1,146 @@
+#include "format/style.h"
+
+#include <initializer_list>
+
+#include "elements/paragraph.h"
+#include "filter/callbacks.h"
+#include "format/tag_stack.h"
+#include "format/typeface.h"
+
+namespace {
+
+struct CharAttribute {
+  uint32_t set;
+  uint32_t clear;     // in templates
+  uint32_t property;  // PROP_ATTR_
+};
+
+// In the order in which the host is told of them.
+constexpr CharAttribute kCharAttributes[] = {
+    {ATTR_BOLD, ATTR_CLEAR_BOLD, PROP_ATTR_BOLD},
+    {ATTR_ITALIC, ATTR_CLEAR_ITALIC, PROP_ATTR_ITALIC},
+    {ATTR_UNDERLINE, ATTR_CLEAR_UNDERLINE, PROP_ATTR_UNDERLINE},
+};
+
+bool SameStyle(const StyleRecord &a, const StyleRecord &b) {
+  return a.charAttrs == b.charAttrs && a.paraFlags == b.paraFlags && a.pointSize == b.pointSize &&
+         a.modeBits == b.modeBits && a.level == b.level && a.typeface == b.typeface;
+}
+
+}  // namespace
+
+StyleRecord BaseStyle(const WmlProc *proc) {
+  StyleRecord style = WmlInit.styleTemplates[0];
+  style.typeface = proc->defaultTypeface;
+  return style;
+}
+
+uint16_t StyleStore(const StyleRecord &style, WmlProc *proc) {
+  uint16_t index = 0;
+  while (const StyleRecord *stored = StyleRetrieve(index, proc)) {
+    if (SameStyle(*stored, style)) return index;
+    ++index;
+  }
+  auto *added = static_cast<StyleRecord *>(VAAddItem(&index, &proc->styleArray, proc));
+  if (added == nullptr) return NO_INDEX;
+  *added = style;
+  return index;
+}
+
+const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc) {
+  return static_cast<const StyleRecord *>(VAGetItem(index, &proc->styleArray));
+}
+
+namespace {
+
+void ApplyCharAttributes(uint32_t templateAttrs, StyleRecord *target) {
+  target->charAttrs &= ~CLEAR_ATTRIBUTES;
+  for (const CharAttribute &attribute : kCharAttributes) {
+    if (templateAttrs & attribute.set) {
+      target->charAttrs |= attribute.set;
+    } else if (templateAttrs & attribute.clear) {
+      target->charAttrs &= ~attribute.set;
+    }
+  }
+}
+
+uint8_t TemplateAlignment(uint8_t alignment, WmlProc *proc) {
+  if (alignment & PARA_ALIGN_FROM_TAG) return static_cast<uint8_t>(CheckJustify(proc));
+  for (const uint8_t bit : {PARA_ALIGN_RIGHT, PARA_ALIGN_CENTER, PARA_ALIGN_JUSTIFIED}) {
+    if (alignment & bit) return bit;
+  }
+  return PARA_ALIGN_LEFT;
+}
+
+void ReplaceParaFlags(uint8_t mask, uint8_t flags, StyleRecord *target) {
+  target->paraFlags = static_cast<uint8_t>((target->paraFlags & ~mask) | flags);
+}
+
+}  // namespace
+
+void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *proc) {
+  target->templateId = styleTemplate.templateId;
+  if (styleTemplate.pointSize != 0) target->pointSize = styleTemplate.pointSize;
+  ApplyCharAttributes(styleTemplate.charAttrs, target);
+  target->modeBits |= styleTemplate.modeBits;
+  target->level = styleTemplate.level < 0
+                      ? int16_t{0}
+                      : static_cast<int16_t>(target->level + styleTemplate.level);
+  const uint8_t alignment = styleTemplate.paraFlags & PARA_ALIGN_MASK;
+  if (alignment != 0) ReplaceParaFlags(PARA_ALIGN_MASK, TemplateAlignment(alignment, proc), target);
+  if (styleTemplate.paraFlags & PARA_ORDINARY) {
+    ReplaceParaFlags(PARA_LAYOUT_MASK, PARA_ORDINARY, target);
+  } else if (styleTemplate.paraFlags & PARA_PREFORMATTED) {
+    ReplaceParaFlags(PARA_LAYOUT_MASK, PARA_PREFORMATTED, target);
+  }
+  if (styleTemplate.typeface != 0) target->typeface = styleTemplate.typeface;
+}
+
+void StyleSelect(ItemRecord *item, WmlProc *proc) {
+  item->styleIndex = NO_INDEX;
+  if (item->styleClass == 0 || item->styleClass >= STYLE_TEMPLATE_COUNT) return;
+  const StyleRecord *current = TagStackGetCurrentStyle(proc);
+  StyleRecord style = current != nullptr ? *current : BaseStyle(proc);
+  StyleApply(WmlInit.styleTemplates[item->styleClass], &style, proc);
+  item->styleIndex = StyleStore(style, proc);
+}
+
+namespace {
+
+void SendCharAttributes(uint32_t from, uint32_t to, WmlProc *proc) {
+  for (const CharAttribute &attribute : kCharAttributes) {
+    const bool was = (from & attribute.set) != 0;
+    const bool is = (to & attribute.set) != 0;
+    if (was != is) {
+      SOSetProperty(PROP_CHAR_ATTRIBUTE, attribute.property, is ? 1 : 0, 0, proc);
+    }
+  }
+}
+
+void SendLayout(const StyleRecord &style, WmlProc *proc) {
+  const bool preformatted = (style.paraFlags & PARA_PREFORMATTED) != 0;
+  SOSetProperty(PROP_LAYOUT, preformatted ? PROP_LAYOUT_PREFORMATTED : PROP_LAYOUT_ORDINARY, 0, 0,
+                proc);
+}
+
+}  // namespace
+
+void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc) {
+  if (to == nullptr) return;
+  WmlSave &save = proc->save;
+  SendCharAttributes(from != nullptr ? from->charAttrs : 0, to->charAttrs, proc);
+  if (from == nullptr || from->pointSize != to->pointSize) {
+    SOSetCharSize(2u * to->pointSize, proc);
+  }
+  if (from == nullptr || ((from->paraFlags ^ to->paraFlags) & PARA_LAYOUT_MASK) != 0) {
+    SendLayout(*to, proc);
+  }
+  if (from == nullptr || from->typeface != to->typeface) PutTypeface(to->typeface, proc);
+  if (from != nullptr) save.modeFlags &= ~(from->modeBits & ~to->modeBits);
+  save.modeFlags |= from != nullptr ? to->modeBits & ~from->modeBits : to->modeBits;
+  if (from == nullptr) OptionParaBreak(proc);
+}
+
+void StyleUpdate(WmlProc *proc) {
+  StyleDelta(nullptr, TagStackGetCurrentStyle(proc), proc);
+}

@@ -1,0 +1,33 @@
+// The style store, and the differences between styles that the host is sent.
+#ifndef VS_WML_FORMAT_STYLE_H
+#define VS_WML_FORMAT_STYLE_H
+
+#include <cstdint>
+
+#include "filter/instance.h"
+
+// The document's base style: template 0 with the typeface of the stream's section.
+StyleRecord BaseStyle(const WmlProc *proc);
+
+// The index of an equal style, stored now if there is none. NO_INDEX when the store
+// cannot grow. Stored styles never change or move in index.
+uint16_t StyleStore(const StyleRecord &style, WmlProc *proc);
+
+// The style of an index, null when there is none; valid until the next StyleStore.
+const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc);
+
+// Applies a style template to a style. A template that takes its alignment from the
+// tag reads the `align` attribute of the tag being processed.
+void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *proc);
+
+// Sets the item's styleIndex: the current style with the template styleClass applied,
+// NO_INDEX for a styleClass without a template.
+void StyleSelect(ItemRecord *item, WmlProc *proc);
+
+// Sends the host what differs between two styles, or everything when `from` is null.
+void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc);
+
+// Sends the whole style of the top element.
+void StyleUpdate(WmlProc *proc);
+
+#endif  // VS_WML_FORMAT_STYLE_H
