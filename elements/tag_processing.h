@@ -1,0 +1,14 @@
+// What each element does to the output.
+#ifndef VS_WML_ELEMENTS_TAG_PROCESSING_H
+#define VS_WML_ELEMENTS_TAG_PROCESSING_H
+
+#include "filter/instance.h"
+
+// Handles a begin tag before it is pushed on the tag stack, and gives it its style.
+void ProcessBeginTag(ItemRecord *item, WmlProc *proc);
+
+// Handles an end tag, or an open element that is being closed. Except for `table`, a
+// second call for an element that is closed changes nothing.
+void ProcessEndTag(const ItemRecord *item, WmlProc *proc);
+
+#endif  // VS_WML_ELEMENTS_TAG_PROCESSING_H
