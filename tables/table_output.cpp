@@ -1,0 +1,138 @@
+#include "tables/table_output.h"
+
+#include "elements/paragraph.h"
+#include "filter/callbacks.h"
+#include "filter/stream_position.h"
+#include "format/tag_stack.h"
+#include "tables/table_scan.h"
+
+static_assert(sizeof(RowDescription) == 28);
+static_assert(sizeof(CellDescription) == 128);
+static_assert(offsetof(CellDescription, left) == 48);
+
+namespace {
+
+constexpr uint32_t kCellShade = 0x00FFFFFF;
+
+TableRecord *FindRecord(uint16_t index, const WmlProc *proc) {
+  return static_cast<TableRecord *>(VAGetItem(index, &proc->tableArray));
+}
+
+uint32_t HostAlignment(uint16_t alignFlags) {
+  if (alignFlags & TABLE_ALIGN_CENTER) return SO_TABLE_CENTER;
+  return alignFlags & TABLE_ALIGN_RIGHT ? SO_TABLE_RIGHT : SO_TABLE_LEFT;
+}
+
+void DescribeRow(const TableRecord &table, const WmlProc *proc) {
+  RowDescription row = {};
+  row.one = 1;
+  row.inset = table.rowInset;
+  row.alignment = HostAlignment(table.alignFlags);
+  row.columnCount = table.columnCount;
+  SODescribeRow(&row, proc);
+}
+
+void DescribeCell(const TableRecord &table, uint16_t column, const WmlProc *proc) {
+  const bool begun = (proc->cellFlags[column] & CELL_BEGUN) != 0;
+  const uint32_t tableShade = proc->save.tableShade;
+  CellDescription cell = {};
+  cell.size = sizeof cell;
+  cell.width = table.columnWidth[column];
+  cell.constant1 = 13;
+  cell.constant2 = 255;
+  cell.cellShade = begun ? proc->cellShade[column] : tableShade;
+  cell.tableShade = tableShade;
+  SideDescription side = {};
+  side.width = table.cellBorderWidth;
+  side.color = ~proc->save.backgroundColor & 0x00FFFFFF;
+  cell.left = cell.right = cell.top = cell.bottom = side;
+  SODescribeCell(&cell, proc);
+}
+
+void TableEndRow(WmlProc *proc) {
+  const TableRecord &table = *proc->currentTable;
+  DescribeRow(table, proc);
+  for (uint16_t c = 0; c < table.columnCount; ++c) DescribeCell(table, c, proc);
+  for (uint16_t c = 0; c < table.columnCount; ++c) proc->cellFlags[c] = 0;
+  proc->save.cellIndex = 0;
+  ForceRowBreak(proc);
+}
+
+// Ends the open cell and the cells that the row left empty, then the row.
+void FillAndEndRow(WmlProc *proc) {
+  const uint16_t columns = proc->currentTable->columnCount;
+  const uint16_t begun = proc->save.cellIndex;
+  if (begun <= columns) ForceCellBreak(columns - begun + 1u, proc);
+  TableEndRow(proc);
+}
+
+void OpenTable(WmlProc *proc) {
+  WmlSave &save = proc->save;
+  save.modeFlags |= MODE_IN_TABLE;
+  save.tableRow = 0;
+  save.cellIndex = 0;
+  save.tableShade = save.backgroundColor;
+  for (int c = 0; c < MAX_COLUMNS; ++c) {
+    proc->cellFlags[c] = 0;
+    proc->cellShade[c] = save.tableShade;
+  }
+  save.tableIndex = PreprocessTable(proc);
+  proc->currentTable = FindRecord(save.tableIndex, proc);
+  if (proc->currentTable == nullptr) {
+    save.tableIndex = NO_INDEX;
+    save.modeFlags &= ~MODE_IN_TABLE;
+  }
+}
+
+}  // namespace
+
+void ProcessBeginTable(ItemRecord *item, WmlProc *proc) {
+  if (proc->save.modeFlags & MODE_IN_TABLE) {
+    TagStackPush(item, proc);
+    return;
+  }
+  OpenTable(proc);
+  if (proc->currentTable == nullptr) return;
+  WMLSetFilePos(proc->currentTable->filePos, proc);
+  OptionParaBreak(proc);
+  ForceParaBreak(proc);
+  SOSetProperty(PROP_ALIGNMENT, PROP_ALIGN_LEFT, 0, 0, proc);
+  SOOpenTable(proc);
+}
+
+void ProcessBeginRow(WmlProc *proc) {
+  WmlSave &save = proc->save;
+  if ((save.modeFlags & MODE_IN_TABLE) == 0) return;
+  ++save.tableRow;
+  if (save.tableRow > 1) FillAndEndRow(proc);
+}
+
+bool ProcessBeginCell(WmlProc *proc) {
+  const uint16_t column = proc->save.cellIndex;
+  if (column >= proc->currentTable->columnCount) return false;
+  ++proc->save.cellIndex;
+  if (column > 0) ForceCellBreak(1, proc);
+  proc->cellShade[column] = kCellShade;
+  proc->cellFlags[column] |= CELL_BEGUN;
+  return true;
+}
+
+void ProcessEndTable(WmlProc *proc) {
+  WmlSave &save = proc->save;
+  if (save.modeFlags & MODE_IN_TABLE) {
+    save.modeFlags &= ~MODE_IN_TABLE;
+    FillAndEndRow(proc);
+    SOCloseTable(proc);
+    save.tableIndex = NO_INDEX;
+    proc->currentTable = nullptr;
+    ForceParaBreak(proc);
+  } else {
+    ForceCellBreak(1, proc);
+  }
+  SetParaAlign(save.paraAlign, proc);
+}
+
+void TableResume(WmlProc *proc) {
+  proc->currentTable = FindRecord(proc->save.tableIndex, proc);
+  if (proc->currentTable == nullptr) proc->save.modeFlags &= ~MODE_IN_TABLE;
+}
