@@ -18,7 +18,10 @@ set(VS_WML_SOURCES
     lexer/item_reader.cpp
     lexer/name_lookup.cpp
     lexer/reference.cpp
+    lexer/tag_reader.cpp
+    lexer/word_reader.cpp
     support/heap.cpp
+    tables/column_widths.cpp
     tables/table_output.cpp
     tables/table_scan.cpp)
 
