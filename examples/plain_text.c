@@ -7,6 +7,7 @@
  *
  * SPDX-License-Identifier: MIT
  */
+#include <ctype.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -23,7 +24,7 @@ typedef struct Document {
 typedef struct Host {
   uint32_t charset;           /* of the characters that come next */
   uint32_t high_surrogate;    /* 0, or waits for its other half */
-  char reference[10];         /* the beginning of "&#12354;", as far as it has come */
+  char reference[9];          /* "&#x3042;" as far as it has come */
   size_t reference_length;    /* 0 outside of one */
   char *strings[MAX_STRINGS]; /* by string index */
   uint32_t string_count;
@@ -73,15 +74,16 @@ static void serve_as_references(Document *doc) {
   const unsigned char *end = doc->bytes + doc->size;
   uint32_t code;
   if (out == NULL) return;
+  if (doc->size >= 3 && memcmp(doc->bytes, "\xEF\xBB\xBF", 3) == 0) memset(doc->bytes, ' ', 3);
   for (const unsigned char *s = doc->bytes; s < end;) {
     size_t length = utf8_sequence(s, end, &code);
     if (length == 0) {
       free(out);
       return;
     }
-    if (length == 4) to += sprintf(to, "&#%u;", 0xD7C0u + (unsigned)(code >> 10));
+    if (length == 4) to += sprintf(to, "&#x%04X;", 0xD7C0 + (unsigned)(code >> 10));
     if (length == 4) code = 0xDC00 | (code & 0x3FF);
-    to += length == 1 ? (*to = (char)code, 1) : sprintf(to, "&#%u;", (unsigned)code);
+    to += length == 1 ? (*to = (char)code, 1) : sprintf(to, "&#x%04X;", (unsigned)code);
     s += length;
   }
   free(doc->bytes);
@@ -117,22 +119,20 @@ static void flush_reference(Host *host) {
   host->reference_length = 0;
 }
 
-/* An attribute value holds bytes: a reference above 255 stays in it as it was served. */
+/* In a title, which holds bytes, a reference above 255 comes as it was served. */
 static uint32_t emit_char(uint32_t code, VwUserWord user1, VwUserWord user2) {
   Host *host = (Host *)user1;
-  size_t n = host->reference_length;
+  const char shape[] = "&#xHHHH;", expected = shape[host->reference_length];
   (void)user2;
-  if (n > 2 && code == ';') {
-    host->reference[n] = '\0';
-    host->reference_length = 0;
-    put_unit(host, (uint32_t)strtoul(host->reference + 2, NULL, 10) & 0xFFFF);
-    return 0;
-  }
-  if (n == 1 ? code != '#' : n == 8 || code < '0' || code > '9') flush_reference(host);
-  if (code == '&' || host->reference_length != 0)
+  if (expected == 'H' ? code > 0x7F || !isxdigit((int)code) : code != (unsigned char)expected)
+    flush_reference(host);
+  if (code == '&' || host->reference_length != 0) {
     host->reference[host->reference_length++] = (char)code;
-  else
-    put_unit(host, host->charset == HOST_CS_UNICODE || code < 0x80 ? code : 0xFFFD);
+    if (code != ';') return 0;
+    host->reference_length = 0;
+    code = (uint32_t)strtoul(host->reference + 3, NULL, 16);
+  }
+  put_unit(host, host->charset == HOST_CS_UNICODE || code < 0x80 ? code : 0xFFFD);
   return 0;
 }
 
