@@ -107,7 +107,7 @@ static void put_unit(Host *host, uint32_t unit) {
     return;
   }
   int more = unit < 0x800 ? 1 : unit < 0x10000 ? 2 : 3;
-  putchar((int)(((0xF00u >> more) & 0xFF) | unit >> 6 * more));
+  putchar((int)((0xFF00u >> (more + 1) & 0xFF) | unit >> 6 * more));
   while (more-- > 0) putchar((int)(0x80 | (unit >> 6 * more & 0x3F)));
 }
 
@@ -143,7 +143,7 @@ static void print(Host *host, const char *text) {
 
 static uint32_t emit_control(uint32_t code, VwUserWord user1, VwUserWord user2) {
   (void)user2;
-  print((Host *)user1, code == SO_CONTROL_CARD ? "--------\n" : "\t");
+  print((Host *)user1, code == SO_CONTROL_CARD ? "\n--------\n" : "\t");
   return 0;
 }
 

@@ -7,7 +7,7 @@ Every fenced block has a comment on the line before it that says how it is teste
 
   <!-- test: run -->            run by bash -e; the block fails with its status
   <!-- test: file NAME -->      written to NAME, for the blocks that follow
-  <!-- test: output -->         what the last `run` block printed, word for word
+  <!-- test: output -->         what the last `run` block printed, blanks at line ends aside
   <!-- test: ci -->             run by --ci only, in the current directory
   <!-- test: skip REASON -->    not run
 
@@ -50,6 +50,10 @@ def bash(script, directory):
                           stderr=subprocess.STDOUT, check=False)
 
 
+def trimmed(text):
+    return [line.rstrip() for line in text.rstrip().split("\n")]
+
+
 def test(mark, content, directory, last_output):
     """Returns (output of a run, failure message or None)."""
     kind, _, argument = mark.partition(" ")
@@ -62,7 +66,7 @@ def test(mark, content, directory, last_output):
         if result.returncode != 0:
             return result.stdout, f"status {result.returncode}\n{result.stdout}"
         return result.stdout, None
-    elif kind == "output" and content != last_output:
+    elif kind == "output" and trimmed(content) != trimmed(last_output):
         return last_output, f"expected\n{content}but the commands printed\n{last_output}"
     return last_output, None
 
