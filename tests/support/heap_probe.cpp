@@ -4,6 +4,7 @@
 #include <malloc.h>
 
 #include <algorithm>
+#include <cstring>
 
 extern "C" {
 void *__real_malloc(std::size_t size);
@@ -60,6 +61,7 @@ void *__wrap_malloc(std::size_t size) {
   if (active == nullptr) return __real_malloc(size);
   if (active->Refuses()) return nullptr;
   void *block = __real_malloc(size);
+  if (block != nullptr) std::memset(block, active->fill, size);
   active->Gained(block);
   return block;
 }

@@ -22,9 +22,10 @@ class HeapProbe {
 
   std::uint64_t allocations = 0;  ///< malloc, calloc and realloc calls, failed ones too
   std::uint64_t failures = 0;
-  std::int64_t blocks = 0;  ///< in use now
-  std::int64_t bytes = 0;   ///< in use now
-  std::int64_t peak = 0;    ///< highest `bytes`
+  std::int64_t blocks = 0;   ///< in use now
+  std::int64_t bytes = 0;    ///< in use now
+  std::int64_t peak = 0;     ///< highest `bytes`
+  std::uint8_t fill = 0xA5;  ///< what new blocks hold
 
   /// For the wrappers.
   bool Refuses();
