@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include "convert.h"
+
+#include <exception>
+#include <ostream>
+#include <stdexcept>
+#include <streambuf>
+#include <system_error>
+
+#include "files.h"
+#include "host/deck.h"
+#include "host/reader.h"
+
+namespace unwml {
+namespace {
+
+// A stream over an output. What the output throws is kept: it must not pass through
+// the filter, which calls what writes here.
+class OutputBuffer : public std::streambuf {
+ public:
+  explicit OutputBuffer(vs_wml::Output &output) : output_(output) {}
+  void Finish() {
+    if (failure_) std::rethrow_exception(failure_);
+    output_.Flush();
+  }
+
+ protected:
+  int_type overflow(int_type character) override {
+    const char c = traits_type::to_char_type(character);
+    return xsputn(&c, 1) == 1 ? character : traits_type::eof();
+  }
+  std::streamsize xsputn(const char *text, std::streamsize count) override {
+    if (failure_) return 0;
+    try {
+      output_ << std::string_view(text, static_cast<std::size_t>(count));
+    } catch (...) {
+      failure_ = std::current_exception();
+      return 0;
+    }
+    return count;
+  }
+
+ private:
+  vs_wml::Output &output_;
+  std::exception_ptr failure_;
+};
+
+}  // namespace
+
+std::uint64_t Converter::Run(const Input &input, const vs_wml::Output::Destination &destination) {
+  if (!input.error.empty()) throw std::runtime_error(input.error);
+  std::string bytes = ReadWhole(input.path);
+  const std::uint64_t size = bytes.size();
+  const vs_wml::Deck deck =
+      vs_wml::PrepareDeck(Printable(input.path), std::move(bytes), options_.deck);
+  vs_wml::Output output(destination);
+  if (options_.trace) {
+    OutputBuffer buffer(output);
+    std::ostream stream(&buffer);
+    vs_wml::TraceDeck(deck, stream);
+    buffer.Finish();
+  } else {
+    const auto writer = vs_wml::MakeWriter(options_.format, output, options_.writer);
+    vs_wml::ReadDeck(deck, *writer);
+  }
+  return size;
+}
+
+Outcome Converter::ConvertTo(const Input &input, const vs_wml::Output::Destination &destination) {
+  Outcome outcome;
+  try {
+    outcome.bytes = Run(input, destination);
+  } catch (const OutputFailure &) {
+    throw;
+  } catch (const std::bad_alloc &) {
+    outcome.error = "out of memory";
+  } catch (const std::exception &failure) {
+    outcome.error = failure.what();
+  }
+  return outcome;
+}
+
+Outcome Converter::Convert(const Input &input) {
+  if (input.output.empty()) {
+    std::string collected;
+    Outcome outcome = ConvertTo(input, [&](std::string_view piece) { collected += piece; });
+    outcome.output = std::move(collected);
+    return outcome;
+  }
+  Outcome outcome;
+  try {
+    PendingFile file(input.output);
+    outcome = ConvertTo(input, [&](std::string_view piece) { file.Write(piece); });
+    if (outcome.error.empty()) file.Commit();
+  } catch (const std::exception &failure) {
+    outcome.error = failure.what();
+  }
+  return outcome;
+}
+
+}  // namespace unwml

@@ -1,0 +1,54 @@
+/// \file
+/// One document from its name to its output.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_CLI_CONVERT_H
+#define VS_WML_CLI_CONVERT_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/output.h"
+#include "host/writer.h"
+#include "inputs.h"
+#include "options.h"
+
+namespace unwml {
+
+/// What became of a document.
+struct Outcome {
+  std::string output;       ///< what goes to standard output, when it was collected
+  std::string error;        ///< empty: it was read
+  std::uint64_t bytes = 0;  ///< its size
+};
+
+/// Converts documents one after the other; each thread has its own.
+class Converter {
+ public:
+  explicit Converter(const Options &options) : options_(options) {}
+
+  /// To the input's own file, or collected in the outcome.
+  Outcome Convert(const Input &input);
+  /// To `destination` as it comes. What that throws passes through.
+  Outcome ConvertTo(const Input &input, const vs_wml::Output::Destination &destination);
+
+ private:
+  std::uint64_t Run(const Input &input, const vs_wml::Output::Destination &destination);
+
+  const Options &options_;
+};
+
+/// The destination failed, not the document: nothing more can be written.
+class OutputFailure : public std::runtime_error {
+ public:
+  OutputFailure(int error, const std::string &what) : std::runtime_error(what), error_(error) {}
+  int Error() const { return error_; }  ///< of the system, EPIPE for a closed pipe
+
+ private:
+  int error_;
+};
+
+}  // namespace unwml
+
+#endif  // VS_WML_CLI_CONVERT_H

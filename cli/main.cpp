@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <system_error>
+
+#include "batch.h"
+#include "convert.h"
+#include "files.h"
+#include "inputs.h"
+#include "options.h"
+#include "progress.h"
+
+namespace unwml {
+namespace {
+
+void WriteToStandardOutput(std::string_view bytes) {
+  try {
+    WriteAll(STDOUT_FILENO, bytes);
+  } catch (const std::system_error &failure) {
+    throw OutputFailure(failure.code().value(), failure.code().message());
+  }
+}
+
+int Run(Options options) {
+  const Inputs inputs = FindInputs(options);
+  const bool toOutput = options.outputDirectory.empty();
+  if (toOutput && inputs.several && !options.trace && options.format == vs_wml::Format::kHtml) {
+    std::cerr << "unwml: HTML of more than one input needs -o DIR\n";
+    return kWrongUsage;
+  }
+  options.writer.nameHeading = toOutput && inputs.several;
+
+  Progress progress(inputs.list.size());
+  bool failed = false;
+  const auto report = [&](const Input &input, const Outcome &outcome) {
+    progress.Advance(outcome.bytes);
+    if (outcome.error.empty()) return;
+    failed = true;
+    progress.Clear();
+    std::cerr << "unwml: " << Printable(input.path) << ": " << outcome.error << '\n';
+  };
+
+  if (options.jobs == 1) {
+    Converter converter(options);
+    for (const Input &input : inputs.list) {
+      report(input, toOutput ? converter.ConvertTo(input, WriteToStandardOutput)
+                             : converter.Convert(input));
+    }
+  } else {
+    ConvertAll(options, inputs, [&](const Input &input, Outcome &outcome) {
+      WriteToStandardOutput(outcome.output);
+      report(input, outcome);
+    });
+  }
+  return failed ? kSomeFailed : kAllRead;
+}
+
+}  // namespace
+}  // namespace unwml
+
+int main(int argc, char **argv) {
+  // A closed pipe is an error of the write, not a signal.
+  std::signal(SIGPIPE, SIG_IGN);
+  int exitCode = 0;
+  try {
+    const auto options = unwml::ParseOptions(argc, argv, exitCode);
+    return options ? unwml::Run(*options) : exitCode;
+  } catch (const unwml::OutputFailure &failure) {
+    // Whoever closes the pipe has seen enough.
+    if (failure.Error() == EPIPE) return unwml::kAllRead;
+    std::cerr << "unwml: standard output: " << failure.what() << '\n';
+  } catch (const std::exception &failure) {
+    std::cerr << "unwml: " << failure.what() << '\n';
+  }
+  return unwml::kSomeFailed;
+}

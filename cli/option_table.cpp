@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "option_table.h"
+
+namespace unwml {
+namespace {
+
+constexpr OptionRow kRows[] = {
+    {OptionId::kTo, "-t,--to", "FORMAT", "text html json markdown trace",
+     "text (default), html, json, markdown or trace",
+     "Text is wrapped and has its links numbered. HTML is one page that needs nothing else. "
+     "JSON is one object a line. Markdown has pipe tables. The trace has a line for each call "
+     "of the filter."},
+    {OptionId::kOutput, "-o,--output", "DIR", "DIR",
+     "write a file for each input under DIR, as the inputs lie",
+     "Without it everything goes to standard output. A file appears only when it is complete."},
+    {OptionId::kWidth, "-w,--width", "N", "", "columns of text (default: the terminal's, or 80)",
+     ""},
+    {OptionId::kColor, "--color", "WHEN", "auto always never",
+     "style text: auto (default), always or never",
+     "With auto, text is styled on a terminal unless the variable NO_COLOR is set."},
+    {OptionId::kCharset, "--charset", "NAME", "UTF-8 windows-1252 Shift_JIS GB18030 Big5 EUC-KR",
+     "character set of the input, whatever it says",
+     "Otherwise it is found from, in this order: byte-order mark, XML declaration, meta "
+     "element, well-formed UTF-8, a statistical detector, windows-1252."},
+    {OptionId::kIdentity, "--identity", "ID",
+     "1151 1154 1155 1156 1157 1158 1159 1160 1161 1162 1163",
+     "serve the bytes untouched under a filter identity",
+     "1151 is plain WML; the others stand for national character sets."},
+    {OptionId::kFilesFrom, "--files-from", "FILE", "FILE",
+     "also read the files that FILE (- for stdin) names",
+     "One name a line, or each ended by a NUL character."},
+    {OptionId::kJobs, "-j,--jobs", "N", "", "documents worked on at a time (default 1)",
+     "The output keeps the order of the input."},
+    {OptionId::kHelp, "-h,--help", "", "", "show this help", ""},
+    {OptionId::kVersion, "--version", "", "", "show the version", ""},
+};
+
+}  // namespace
+
+std::span<const OptionRow> OptionTable() {
+  return kRows;
+}
+
+}  // namespace unwml

@@ -1,0 +1,578 @@
+// SPDX-License-Identifier: MIT
+#include "host/block_builder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/charset.h"
+#include "host/served_bytes.h"
+#include "host/source_tag.h"
+#include "host/utf8.h"
+
+namespace vs_wml {
+namespace {
+
+// An image takes three strings at most: two of its own and a link's title.
+constexpr std::size_t kKeptStrings = 4;
+
+Alignment AlignmentOf(std::uint32_t property) {
+  switch (property) {
+    case PROP_ALIGN_RIGHT:
+      return Alignment::kRight;
+    case PROP_ALIGN_CENTER:
+      return Alignment::kCenter;
+    case PROP_ALIGN_JUSTIFIED:
+      return Alignment::kJustified;
+    default:
+      return Alignment::kLeft;
+  }
+}
+
+Alignment TableAlignmentOf(std::uint32_t code) {
+  switch (code) {
+    case SO_TABLE_RIGHT:
+      return Alignment::kRight;
+    case SO_TABLE_CENTER:
+      return Alignment::kCenter;
+    default:
+      return Alignment::kLeft;
+  }
+}
+
+// The `align` attribute of a table has a letter for each column.
+std::vector<Alignment> ColumnAlignments(std::string_view letters) {
+  std::vector<Alignment> alignments;
+  for (const char letter : letters) {
+    switch (letter) {
+      case 'R':
+      case 'r':
+        alignments.push_back(Alignment::kRight);
+        break;
+      case 'C':
+      case 'c':
+        alignments.push_back(Alignment::kCenter);
+        break;
+      case 'L':
+      case 'l':
+      case 'D':
+      case 'd':
+        alignments.push_back(Alignment::kLeft);
+        break;
+      default:  // a word such as "center" aligns the table, not its columns
+        return {};
+    }
+  }
+  return alignments;
+}
+
+// Without the control characters that an attribute value may hold.
+std::string CleanText(std::string text) {
+  for (char &c : text) {
+    if (c == '\t' || c == '\n' || c == '\r') c = ' ';
+  }
+  std::erase_if(text, [](char c) {
+    return IsControl(static_cast<unsigned char>(c)) && static_cast<unsigned char>(c) < 0x80;
+  });
+  return text;
+}
+
+}  // namespace
+
+// Each routine finds the builder in its first user word.
+struct BlockBuilder::Routines_ {
+  static BlockBuilder &Of(VwUserWord user) { return *reinterpret_cast<BlockBuilder *>(user); }
+
+  static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
+    Of(user).EmitUtf8(unit);
+    return 0;
+  }
+  static std::uint32_t EmitCoded(std::uint32_t code, VwUserWord user, VwUserWord) {
+    Of(user).EmitCoded(code);
+    return 0;
+  }
+  static std::uint32_t ControlCode(std::uint32_t code, VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) { builder.ControlCode(code); });
+    return 0;
+  }
+  static std::uint32_t CharSize(std::uint32_t halfPoints, VwUserWord user, VwUserWord) {
+    BlockBuilder &builder = Of(user);
+    TextStyle style = builder.style_;
+    style.halfPoints = static_cast<std::uint16_t>(halfPoints);
+    builder.SetStyle(style);
+    return 0;
+  }
+  static std::uint32_t Break(std::uint32_t kind, std::uint32_t, VwUserWord user, VwUserWord) {
+    std::uint32_t answer = 0;
+    Guard(user, [&](BlockBuilder &builder) { answer = builder.Break(kind); });
+    return Of(user).failure_ ? SO_STOP : answer;
+  }
+  static std::uint32_t Abort(std::uint32_t, VwUserWord user, VwUserWord) {
+    Of(user).aborted_ = true;
+    return 0;
+  }
+  static std::uint32_t OpenTable(VwUserWord user, VwUserWord) {
+    Guard(user, [](BlockBuilder &builder) { builder.OpenTable(); });
+    return 0;
+  }
+  static std::uint32_t CloseTable(VwUserWord user, VwUserWord) {
+    Guard(user, [](BlockBuilder &builder) { builder.CloseTable(); });
+    return 0;
+  }
+  static std::uint32_t InsertGraphic(const GraphicRecord *graphic, VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) { builder.InsertGraphic(*graphic); });
+    return 0;
+  }
+  static std::uint32_t OpenLink(std::uint32_t, std::uint32_t number, const VwLinkRecord *link,
+                                VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) { builder.OpenLink(number, *link); });
+    return 0;
+  }
+  static std::uint32_t CloseLink(std::uint32_t, std::uint32_t, VwUserWord user, VwUserWord) {
+    Guard(user, [](BlockBuilder &builder) { builder.CloseLink(); });
+    return 0;
+  }
+  static std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t, std::uint32_t length,
+                                   std::uint32_t *index, VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) { *index = builder.StoreString(units, length); });
+    return 0;
+  }
+  static std::uint32_t DescribeRow(const RowDescription *row, VwUserWord user, VwUserWord) {
+    BlockBuilder &builder = Of(user);
+    builder.tableAlignment_ = TableAlignmentOf(row->alignment);
+    builder.describedColumn_ = 0;
+    return 0;
+  }
+  static std::uint32_t TextColor(std::uint32_t, std::uint32_t color, VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) {
+      if (builder.cardSeparated_) builder.StartCard();
+      TextStyle style = builder.style_;
+      style.color = color;
+      builder.SetStyle(style);
+    });
+    return 0;
+  }
+  static std::uint32_t SwitchCharset(std::uint32_t charset, VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) { builder.SwitchCharset(charset); });
+    return 0;
+  }
+  static std::uint32_t OpenReference(std::uint32_t *id, VwUserWord user, VwUserWord) {
+    *id = Of(user).OpenReference();
+    return 0;
+  }
+  static std::uint32_t DescribeCell(const CellDescription *cell, VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) {
+      const std::uint32_t column = builder.describedColumn_++;
+      if (column >= builder.columnWidths_.size()) builder.columnWidths_.resize(column + 1);
+      builder.columnWidths_[column] = cell->width;
+    });
+    return 0;
+  }
+  static std::uint32_t Property(std::uint32_t code, std::uint32_t a, std::uint32_t b, std::uint32_t,
+                                VwUserWord user, VwUserWord) {
+    Guard(user, [&](BlockBuilder &builder) { builder.Property(code, a, b); });
+    return 0;
+  }
+
+  // Runs a member that may throw; after a failure nothing more is told.
+  template <typename Member>
+  static void Guard(VwUserWord user, Member member) noexcept {
+    BlockBuilder &builder = Of(user);
+    if (builder.failure_) return;
+    try {
+      member(builder);
+    } catch (...) {
+      builder.failure_ = std::current_exception();
+    }
+  }
+};
+
+BlockBuilder::BlockBuilder(const Deck &deck, BlockSink &sink) : deck_(deck), sink_(sink) {
+  sink_.BeginDocument(deck.info);
+}
+
+std::span<const OutputRoutine> BlockBuilder::Routines() const {
+  static const OutputRoutine kRoutines[] = {
+      {SLOT_EMIT_CHAR, AsRoutine(Routines_::EmitUtf8)},
+      {SLOT_EMIT_CONTROL_CODE, AsRoutine(Routines_::ControlCode)},
+      {SLOT_SET_CHAR_SIZE, AsRoutine(Routines_::CharSize)},
+      {SLOT_EMIT_BREAK, AsRoutine(Routines_::Break)},
+      {SLOT_ABORT_STREAM, AsRoutine(Routines_::Abort)},
+      {SLOT_OPEN_TABLE, AsRoutine(Routines_::OpenTable)},
+      {SLOT_CLOSE_TABLE, AsRoutine(Routines_::CloseTable)},
+      {SLOT_INSERT_GRAPHIC, AsRoutine(Routines_::InsertGraphic)},
+      {SLOT_OPEN_LINK, AsRoutine(Routines_::OpenLink)},
+      {SLOT_CLOSE_LINK, AsRoutine(Routines_::CloseLink)},
+      {SLOT_STORE_STRING, AsRoutine(Routines_::StoreString)},
+      {SLOT_DESCRIBE_ROW, AsRoutine(Routines_::DescribeRow)},
+      {SLOT_SET_TEXT_COLOR, AsRoutine(Routines_::TextColor)},
+      {SLOT_SWITCH_CHARSET, AsRoutine(Routines_::SwitchCharset)},
+      {SLOT_OPEN_REFERENCE, AsRoutine(Routines_::OpenReference)},
+      {SLOT_DESCRIBE_CELL, AsRoutine(Routines_::DescribeCell)},
+      {SLOT_SET_PROPERTY, AsRoutine(Routines_::Property)},
+      {SLOT_EMIT_CHAR, AsRoutine(Routines_::EmitCoded)},  // documents served untouched only
+  };
+  const std::span<const OutputRoutine> all = kRoutines;
+  return deck_.servedAsUtf8 ? all.first(all.size() - 1) : all;
+}
+
+void BlockBuilder::Finish() {
+  if (failure_) std::rethrow_exception(failure_);
+}
+
+// ---------------------------------------------------------------- characters
+
+void BlockBuilder::AppendCharacter(char32_t character) {
+  if (character == '\n' || character == '\t' || character == '\r') {
+    text_ += ' ';
+  } else if (!IsControl(character)) {
+    AppendUtf8(text_, character);
+    nonAscii_ = nonAscii_ || character >= 0x80;
+  }
+}
+
+// Units other than printable ASCII: the bytes of UTF-8, or UTF-16 from a reference.
+void BlockBuilder::EmitOther(std::uint32_t unit) {
+  if (charset_ != HOST_CS_UNICODE && unit >= 0x80) {
+    text_ += static_cast<char>(unit);
+    nonAscii_ = true;
+  } else {
+    AppendCharacter(unit);
+  }
+}
+
+void BlockBuilder::EmitCoded(std::uint32_t code) {
+  if (charset_ != HOST_CS_UNICODE) {
+    if (code > 0xFF) coded_ += static_cast<char>(code >> 8U);
+    coded_ += static_cast<char>(code);
+    return;
+  }
+  if (code >= 0xD800 && code < 0xDC00) {
+    highSurrogate_ = code;
+    return;
+  }
+  char32_t character = code;
+  if (highSurrogate_ != 0 && code >= 0xDC00 && code < 0xE000) {
+    character = 0x10000 + ((highSurrogate_ - 0xD800) << 10U) + (code - 0xDC00);
+  }
+  highSurrogate_ = 0;
+  AppendCharacter(character);
+}
+
+void BlockBuilder::SwitchCharset(std::uint32_t hostCharset) {
+  FlushCoded();
+  charset_ = hostCharset;
+}
+
+void BlockBuilder::FlushCoded() {
+  if (coded_.empty()) return;
+  std::string converted;
+  AppendHostCharset(converted, coded_, charset_);
+  coded_.clear();
+  for (std::size_t offset = 0; offset < converted.size();) {
+    AppendCharacter(NextCharacter(converted, offset));
+  }
+}
+
+// ---------------------------------------------------------------------- runs
+
+// Ends the run that the text since the last one makes up.
+void BlockBuilder::CloseRun() {
+  FlushCoded();
+  if (text_.size() == runStart_) return;
+  if (nonAscii_) {
+    const std::string_view tail = std::string_view(text_).substr(runStart_);
+    if (!IsValidUtf8(tail)) {
+      std::string repaired = RepairUtf8(tail);
+      text_.replace(runStart_, std::string::npos, repaired);
+    }
+    nonAscii_ = false;
+  }
+  Run run;
+  run.begin = static_cast<std::uint32_t>(runStart_);
+  run.end = static_cast<std::uint32_t>(text_.size());
+  run.style = style_;
+  run.link = link_;
+  runs_.push_back(run);
+  runStart_ = text_.size();
+}
+
+void BlockBuilder::SetStyle(const TextStyle &style) {
+  if (style == style_) return;
+  CloseRun();
+  style_ = style;
+}
+
+void BlockBuilder::StartContent() {
+  text_.clear();
+  runs_.clear();
+  links_.clear();
+  images_.clear();
+  runStart_ = 0;
+  nonAscii_ = false;
+  link_ = kNone;
+  if (linkOpen_) {
+    links_.push_back(openLink_);
+    link_ = 0;
+  }
+}
+
+Content BlockBuilder::CurrentContent() const {
+  return {text_, runs_, links_, images_};
+}
+
+// -------------------------------------------------------------------- breaks
+
+void BlockBuilder::ControlCode(std::uint32_t code) {
+  if (code == SO_CONTROL_TAB) {
+    FlushCoded();
+    text_ += '\t';
+  } else if (code == SO_CONTROL_CARD) {
+    EndParagraph();
+    cardSeparated_ = true;
+  }
+}
+
+std::uint32_t BlockBuilder::Break(std::uint32_t kind) {
+  switch (kind) {
+    case SO_BREAK_PARAGRAPH:
+      EndLine();
+      break;
+    case SO_BREAK_CELL:
+      if (inTable_) EndCell();
+      break;
+    case SO_BREAK_ROW:
+      if (inTable_) {
+        rows_.push_back({rowStart_, static_cast<std::uint32_t>(cells_.size()) - rowStart_});
+        rowStart_ = static_cast<std::uint32_t>(cells_.size());
+      }
+      break;
+    case SO_BREAK_DOCUMENT:
+      EndDocument();
+      break;
+    default:
+      break;
+  }
+  return 0;
+}
+
+// A paragraph break: the end of a card's title, of a line in a cell, or of a paragraph.
+void BlockBuilder::EndLine() {
+  if (cardStarting_ && stream_->Offset() == cardOffset_) {
+    CloseRun();
+    if (!card_.title.empty()) card_.title += ' ';
+    card_.title += text_;
+    StartContent();
+    return;
+  }
+  if (inTable_) {
+    FlushCoded();
+    text_ += '\n';
+    return;
+  }
+  CloseRun();
+  Paragraph paragraph;
+  paragraph.content = CurrentContent();
+  paragraph.alignment = alignment_;
+  paragraph.preformatted = preformatted_;
+  paragraph.continues = !newParagraph_;
+  newParagraph_ = false;
+  TellCard();
+  sink_.TakeParagraph(paragraph);
+  StartContent();
+}
+
+// Ends a paragraph that no break has ended.
+void BlockBuilder::EndParagraph() {
+  CloseRun();
+  if (!runs_.empty()) EndLine();
+}
+
+void BlockBuilder::EndDocument() {
+  if (documentEnded_) return;
+  if (inTable_) CloseTable();
+  EndParagraph();
+  TellCard();
+  if (cardOpen_) sink_.EndCard();
+  cardOpen_ = false;
+  documentEnded_ = true;
+}
+
+// --------------------------------------------------------------------- cards
+
+void BlockBuilder::StartCard() {
+  cardSeparated_ = false;
+  if (inTable_) CloseTable();
+  EndParagraph();
+  TellCard();
+  if (cardOpen_) sink_.EndCard();
+  cardOpen_ = false;
+
+  card_ = {};
+  cardOffset_ = stream_->Offset();
+  const SourceTag tag = SourceTag::EndingAt(deck_.bytes, cardOffset_, "card");
+  card_.id = CleanText(RepairUtf8(tag.Attribute("id").value_or("")));
+  card_.newContext = tag.Attribute("newcontext") == "true";
+  card_.ordered = tag.Attribute("ordered") != "false";
+  cardStarting_ = true;
+  newParagraph_ = true;
+}
+
+// Tells the sink of the card that the next block lies in.
+void BlockBuilder::TellCard() {
+  if (cardOpen_ && !cardStarting_) return;
+  if (!cardOpen_ && !cardStarting_) card_ = {};
+  cardStarting_ = false;
+  cardOpen_ = true;
+  sink_.BeginCard(card_);
+}
+
+// -------------------------------------------------------------------- tables
+
+void BlockBuilder::OpenTable() {
+  EndParagraph();
+  StartContent();
+  inTable_ = true;
+  cells_.clear();
+  rows_.clear();
+  columnWidths_.clear();
+  cellStart_ = 0;
+  rowStart_ = 0;
+  alignment_ = Alignment::kLeft;
+  const SourceTag tag = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), "table");
+  columnAlignments_ = ColumnAlignments(tag.Attribute("align").value_or(""));
+  tableTitle_ = CleanText(RepairUtf8(tag.Attribute("title").value_or("")));
+}
+
+void BlockBuilder::EndCell() {
+  // A line break at the end of a cell separates nothing.
+  while (text_.size() > runStart_ && text_.back() == '\n') text_.pop_back();
+  CloseRun();
+  Cell cell;
+  cell.firstRun = cellStart_;
+  cell.runCount = static_cast<std::uint32_t>(runs_.size()) - cellStart_;
+  const std::size_t column = cells_.size() - rowStart_;
+  cell.alignment = alignment_ != Alignment::kLeft      ? alignment_
+                   : column < columnAlignments_.size() ? columnAlignments_[column]
+                                                       : Alignment::kLeft;
+  cells_.push_back(cell);
+  cellStart_ = static_cast<std::uint32_t>(runs_.size());
+  alignment_ = Alignment::kLeft;
+}
+
+void BlockBuilder::CloseTable() {
+  if (!inTable_) return;
+  inTable_ = false;
+  CloseRun();
+  Table table;
+  table.content = CurrentContent();
+  table.cells = cells_;
+  table.rows = rows_;
+  table.columnWidths = columnWidths_;
+  table.alignment = tableAlignment_;
+  table.title = tableTitle_;
+  TellCard();
+  sink_.TakeTable(table);
+  StartContent();
+  newParagraph_ = true;
+}
+
+// ---------------------------------------------------------------- properties
+
+void BlockBuilder::SetAlignment(std::uint32_t code) {
+  alignment_ = AlignmentOf(code);
+  newParagraph_ = true;
+}
+
+void BlockBuilder::Property(std::uint32_t code, std::uint32_t a, std::uint32_t b) {
+  TextStyle style = style_;
+  switch (code) {
+    case PROP_CHAR_ATTRIBUTE:
+      if (a == PROP_ATTR_BOLD) style.bold = b != 0;
+      if (a == PROP_ATTR_ITALIC) style.italic = b != 0;
+      if (a == PROP_ATTR_UNDERLINE) style.underline = b != 0;
+      SetStyle(style);
+      break;
+    case PROP_ALIGNMENT:
+      SetAlignment(a);
+      break;
+    case PROP_LAYOUT:
+      if (preformatted_ != (a == PROP_LAYOUT_PREFORMATTED)) {
+        EndParagraph();
+        preformatted_ = !preformatted_;
+        newParagraph_ = true;
+      }
+      break;
+    case PROP_REFERENCE_TARGET:
+      reference_.target = CleanText(ResolveReferences(AttributeText(b)));
+      break;
+    default:
+      break;
+  }
+}
+
+std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_t length) {
+  if (strings_.size() == kKeptStrings) {
+    std::rotate(strings_.begin(), strings_.begin() + 1, strings_.end());
+    strings_.pop_back();
+    ++firstString_;
+  }
+  std::string bytes(length, '\0');
+  std::transform(units, units + length, bytes.begin(),
+                 [](std::uint16_t unit) { return static_cast<char>(unit); });
+  strings_.push_back(std::move(bytes));
+  return firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1;
+}
+
+// A stored string as text; empty when the index names none of those kept.
+std::string BlockBuilder::AttributeText(std::uint32_t index) const {
+  if (index < firstString_ || index - firstString_ >= strings_.size()) return {};
+  const std::string &bytes = strings_[index - firstString_];
+  if (deck_.servedAsUtf8 || AsciiPrefix(bytes) == bytes.size()) return RepairUtf8(bytes);
+  std::string text;
+  AppendHostCharset(text, bytes, charset_);
+  return text;
+}
+
+std::uint32_t BlockBuilder::OpenReference() {
+  reference_.target.clear();
+  return ++reference_.id;
+}
+
+void BlockBuilder::OpenLink(std::uint32_t number, const VwLinkRecord &record) {
+  CloseRun();
+  openLink_ = {};
+  openLink_.number = number;
+  openLink_.target = reference_.target;
+  if ((record.flags & SO_LINK_HAS_TITLE) != 0 && !strings_.empty()) {
+    openLink_.title =
+        CleanText(AttributeText(firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1));
+  }
+  linkOpen_ = true;
+  link_ = static_cast<std::uint32_t>(links_.size());
+  links_.push_back(openLink_);
+}
+
+void BlockBuilder::CloseLink() {
+  CloseRun();
+  linkOpen_ = false;
+  link_ = kNone;
+}
+
+void BlockBuilder::InsertGraphic(const GraphicRecord &graphic) {
+  CloseRun();
+  Image image;
+  image.source = reference_.target;
+  image.hasAlternative = (graphic.flags & SO_GRAPHIC_HAS_ALT) != 0;
+  if (image.hasAlternative) image.alternative = CleanText(AttributeText(graphic.alternative));
+  image.width = graphic.width;
+  image.height = graphic.height;
+  Run run;
+  run.begin = run.end = static_cast<std::uint32_t>(text_.size());
+  run.style = style_;
+  run.link = link_;
+  run.image = static_cast<std::uint32_t>(images_.size());
+  images_.push_back(std::move(image));
+  runs_.push_back(run);
+}
+
+}  // namespace vs_wml

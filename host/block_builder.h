@@ -1,0 +1,144 @@
+/// \file
+/// Turns the filter's calls into blocks.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_BLOCK_BUILDER_H
+#define VS_WML_HOST_BLOCK_BUILDER_H
+
+#include <cstdint>
+#include <exception>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/deck.h"
+#include "host/document.h"
+#include "host/stream.h"
+
+namespace vs_wml {
+
+/// Collects one block at a time from the output routines and hands it to a sink. One
+/// builder reads one document; its buffers grow to the largest block and no further.
+///
+/// The routines run inside the filter, which exceptions must not cross: one that the
+/// sink throws is kept, the reading is stopped at the next break, and Finish throws it.
+class BlockBuilder {
+ public:
+  /// Both have to outlive the builder.
+  BlockBuilder(const Deck &deck, BlockSink &sink);
+
+  /// The routines to open the stream with, and the builder's address as user word.
+  std::span<const OutputRoutine> Routines() const;
+  /// The stream that the routines are called from; to be set before it reads.
+  void Attach(const Stream &stream) { stream_ = &stream; }
+
+  /// Whether nothing more is to be read: the document or the sink has ended it.
+  bool Done() const { return documentEnded_ || failure_ != nullptr; }
+  /// Whether the filter gave the stream up for want of memory.
+  bool Aborted() const { return aborted_; }
+  /// Throws what the sink has thrown.
+  void Finish();
+
+ private:
+  struct Routines_;  // the output routines, which call the members below
+  friend struct Routines_;
+
+  struct Reference {
+    std::uint32_t id = 0;
+    std::string target;
+  };
+
+  void EmitUtf8(std::uint32_t unit) {
+    if (unit >= 0x20 && unit < 0x7F) {
+      text_ += static_cast<char>(unit);
+    } else {
+      EmitOther(unit);
+    }
+  }
+  void EmitOther(std::uint32_t unit);
+  void EmitCoded(std::uint32_t code);
+  void SwitchCharset(std::uint32_t hostCharset);
+  void AppendCharacter(char32_t character);
+  void FlushCoded();
+
+  void CloseRun();
+  void SetStyle(const TextStyle &style);
+  void StartContent();
+  Content CurrentContent() const;
+
+  void ControlCode(std::uint32_t code);
+  std::uint32_t Break(std::uint32_t kind);
+  void EndLine();
+  void EndParagraph();
+  void EndCell();
+  void EndDocument();
+  void StartCard();
+  void TellCard();
+  void OpenTable();
+  void CloseTable();
+  void SetAlignment(std::uint32_t code);
+  void Property(std::uint32_t code, std::uint32_t a, std::uint32_t b);
+  std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t length);
+  std::uint32_t OpenReference();
+  void OpenLink(std::uint32_t number, const VwLinkRecord &record);
+  void CloseLink();
+  void InsertGraphic(const GraphicRecord &graphic);
+  std::string AttributeText(std::uint32_t index) const;
+
+  const Deck &deck_;
+  BlockSink &sink_;
+  const Stream *stream_ = nullptr;
+  std::exception_ptr failure_;
+  bool documentEnded_ = false;
+  bool aborted_ = false;
+
+  // Characters.
+  std::uint32_t charset_ = HOST_CS_UNICODE;
+  std::string coded_;           ///< codes not yet converted, of documents served untouched
+  char32_t highSurrogate_ = 0;  ///< waiting for its other half, 0: none
+  bool nonAscii_ = false;       ///< the open run holds more than ASCII
+
+  // The block.
+  std::string text_;
+  std::vector<Run> runs_;
+  std::vector<Link> links_;
+  std::vector<Image> images_;
+  std::size_t runStart_ = 0;
+  TextStyle style_;
+  std::uint32_t link_ = kNone;
+  Alignment alignment_ = Alignment::kLeft;
+  bool preformatted_ = false;
+  bool newParagraph_ = true;  ///< the next line starts a paragraph
+
+  // The link that is open; it is named again in every block it goes on in.
+  Link openLink_;
+  bool linkOpen_ = false;
+
+  // The table, while inTable_.
+  bool inTable_ = false;
+  std::string tableTitle_;
+  std::uint32_t cellStart_ = 0;
+  std::uint32_t rowStart_ = 0;
+  std::vector<Cell> cells_;
+  std::vector<Row> rows_;
+  std::vector<std::uint32_t> columnWidths_;
+  std::vector<Alignment> columnAlignments_;
+  std::uint32_t describedColumn_ = 0;
+  Alignment tableAlignment_ = Alignment::kLeft;
+
+  // The card.
+  Card card_;
+  std::uint32_t cardOffset_ = 0;  ///< right behind its tag
+  bool cardStarting_ = false;     ///< the sink has not been told of it yet
+  bool cardOpen_ = false;
+  bool cardSeparated_ = true;  ///< the next colour comes from a card's start
+
+  // Strings that the filter stored, the newest last; it uses them at once.
+  std::vector<std::string> strings_;
+  std::uint32_t firstString_ = 0;
+  Reference reference_;
+};
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_BLOCK_BUILDER_H

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "host/deck.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/charset.h"
+#include "host/served_bytes.h"
+#include "host/utf8.h"
+#include "vs_wml.h"
+
+namespace vs_wml {
+namespace {
+
+char ToLower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+// Whether the text has a tag of that name (in lower case, with its '<').
+bool HasTag(std::string_view text, std::string_view tag) {
+  for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
+    const std::string_view candidate = text.substr(at, tag.size());
+    if (std::equal(candidate.begin(), candidate.end(), tag.begin(), tag.end(),
+                   [](char a, char b) { return ToLower(a) == b; })) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Throws unless the text looks like WML.
+void RequireWml(std::string_view text) {
+  if (HasTag(text, "<wml") || HasTag(text, "<card")) return;
+  if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) throw NotWml("empty document");
+  if (HasTag(text, "<html") || HasTag(text, "<!doctype html")) throw NotWml("HTML, not WML");
+  if (text.find('\0') != std::string_view::npos) throw NotWml("binary data, not WML");
+  throw NotWml("not WML: no <wml> or <card> element");
+}
+
+}  // namespace
+
+bool IsFilterIdentity(long identity) {
+  return identity != 0 && std::any_of(std::begin(WmlOverlayId), std::end(WmlOverlayId),
+                                      [&](const WmlOverlayRecord &record) {
+                                        return record.id[0] + record.id[1] * 256 == identity;
+                                      });
+}
+
+Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options) {
+  Deck deck;
+  deck.info.name = std::move(name);
+  if (options.identity) {
+    deck.identity = *options.identity;
+    deck.info.charset = "identity " + std::to_string(*options.identity);
+    deck.info.charsetOrigin = CharsetOrigin::kIdentity;
+    deck.bytes = std::move(bytes);
+    return deck;
+  }
+
+  if (bytes.empty()) throw NotWml("empty document");
+  const DetectedCharset found = DetectCharset(bytes, options.charset, deck.info.warnings);
+  deck.info.charset = found.name;
+  deck.info.charsetOrigin = found.origin;
+  if (found.markLength != 0) bytes.erase(0, found.markLength);
+  std::string text = ToUtf8(std::move(bytes), found.name);
+  RequireWml(text);
+  deck.bytes = MakeServedBytes(std::move(text));
+  deck.identity = kServedIdentity;
+  deck.servedAsUtf8 = true;
+  return deck;
+}
+
+}  // namespace vs_wml

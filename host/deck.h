@@ -1,0 +1,46 @@
+/// \file
+/// A document made ready for the filter.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_DECK_H
+#define VS_WML_HOST_DECK_H
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "host/document.h"
+
+namespace vs_wml {
+
+struct DeckOptions {
+  std::string charset;  ///< believed before everything else; empty: find it
+  /// Serve the bytes untouched, under this filter identity.
+  std::optional<std::int16_t> identity;
+};
+
+/// What the filter is opened with.
+struct Deck {
+  std::string bytes;          ///< as served
+  std::int16_t identity = 0;  ///< a filter identity
+  bool servedAsUtf8 = false;  ///< characters come back as the bytes of UTF-8
+  DeckInfo info;
+};
+
+/// The bytes are no WML; the message says what they are instead.
+class NotWml : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Turns the bytes of a document into a deck. Throws NotWml.
+Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options);
+
+/// Whether an identity is one of those in WmlOverlayId.
+bool IsFilterIdentity(long identity);
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_DECK_H

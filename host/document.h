@@ -1,0 +1,154 @@
+/// \file
+/// The document as a host sees it: cards of paragraphs and tables, one block at a time.
+///
+/// SPDX-License-Identifier: MIT
+///
+/// All text is well-formed UTF-8 without control characters, except '\n' for a line
+/// break inside a table cell and '\t' in preformatted text. Views and spans point into
+/// buffers that are used again for the next block.
+#ifndef VS_WML_HOST_DOCUMENT_H
+#define VS_WML_HOST_DOCUMENT_H
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vs_wml {
+
+enum class Alignment : std::uint8_t { kLeft, kCenter, kRight, kJustified };
+
+struct TextStyle {
+  bool bold = false;
+  bool italic = false;
+  bool underline = false;
+  std::uint16_t halfPoints = 24;  ///< size; 24 is the size of ordinary text
+  std::uint32_t color = 0;        ///< 0x00BBGGRR
+  bool operator==(const TextStyle &) const = default;
+};
+
+inline constexpr std::uint16_t kOrdinaryHalfPoints = 24;
+
+/// A hyperlink. One that goes on over several blocks appears in each of them.
+struct Link {
+  std::uint32_t number = 0;  ///< 1, 2, 3, ... in the document
+  std::string target;        ///< as the document has it, references resolved
+  std::string title;         ///< empty: none
+};
+
+struct Image {
+  std::string source;
+  std::string alternative;
+  bool hasAlternative = false;
+  std::uint32_t width = 0;   ///< twips; 0: the picture's own size
+  std::uint32_t height = 0;  ///< twips; 0: the picture's own size
+};
+
+inline constexpr std::uint32_t kTwipsPerPixel = 15;
+inline constexpr std::uint32_t kNone = 0xFFFFFFFFU;
+
+/// A stretch of text of one style in one link, or an image.
+struct Run {
+  std::uint32_t begin = 0;  ///< bytes of Content::text
+  std::uint32_t end = 0;
+  TextStyle style;
+  std::uint32_t link = kNone;   ///< index into Content::links
+  std::uint32_t image = kNone;  ///< index into Content::images; the run has no text then
+};
+
+/// Running text with the links and images that its runs name.
+struct Content {
+  std::string_view text;
+  std::span<const Run> runs;
+  std::span<const Link> links;
+  std::span<const Image> images;
+
+  std::string_view TextOf(const Run &run) const {
+    return text.substr(run.begin, run.end - run.begin);
+  }
+};
+
+struct Paragraph {
+  Content content;
+  Alignment alignment = Alignment::kLeft;
+  bool preformatted = false;
+  /// A further line of the paragraph before (a line break, or the next line of
+  /// preformatted text), not a paragraph of its own.
+  bool continues = false;
+};
+
+struct Cell {
+  std::uint32_t firstRun = 0;  ///< runs of Table::content
+  std::uint32_t runCount = 0;
+  Alignment alignment = Alignment::kLeft;
+};
+
+struct Row {
+  std::uint32_t firstCell = 0;  ///< index into Table::cells
+  std::uint32_t cellCount = 0;
+};
+
+struct Table {
+  Content content;
+  std::span<const Cell> cells;
+  std::span<const Row> rows;
+  std::span<const std::uint32_t> columnWidths;  ///< twips, 0: not measured
+  Alignment alignment = Alignment::kLeft;       ///< of the table on the page
+  std::string title;
+
+  std::span<const Cell> CellsOf(const Row &row) const {
+    return cells.subspan(row.firstCell, row.cellCount);
+  }
+  /// The content of one cell.
+  Content ContentOf(const Cell &cell) const {
+    Content part = content;
+    part.runs = content.runs.subspan(cell.firstRun, cell.runCount);
+    return part;
+  }
+};
+
+struct Card {
+  std::string id;     ///< empty: none
+  std::string title;  ///< empty: none
+  bool newContext = false;
+  bool ordered = true;
+};
+
+/// Where the character set of a document was learnt, in the order of belief.
+enum class CharsetOrigin : std::uint8_t {
+  kOption,
+  kByteOrderMark,
+  kXmlDeclaration,
+  kMeta,
+  kValidUtf8,
+  kDetector,
+  kFallback,
+  kIdentity
+};
+
+/// What is known of a document apart from its text.
+struct DeckInfo {
+  std::string name;     ///< of the source, for people
+  std::string charset;  ///< IANA name, or "identity 1151" when served untouched
+  CharsetOrigin charsetOrigin = CharsetOrigin::kFallback;
+  std::vector<std::string> warnings;
+};
+
+/// Takes a document block by block. The arguments are valid during the call. An
+/// exception ends the reading and reaches the caller of ReadDeck.
+class BlockSink {
+ public:
+  virtual ~BlockSink() = default;
+  virtual void BeginDocument(const DeckInfo &deck) = 0;
+  /// Every block lies in a card; text outside of all cards comes in one without id.
+  virtual void BeginCard(const Card &card) = 0;
+  virtual void TakeParagraph(const Paragraph &paragraph) = 0;
+  virtual void TakeTable(const Table &table) = 0;
+  virtual void EndCard() = 0;
+  virtual void EndDocument(const DeckInfo &deck) = 0;
+};
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_DOCUMENT_H

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <string>
+
+#include "host/target.h"
+#include "host/writer.h"
+
+namespace vs_wml {
+namespace {
+
+constexpr std::string_view kSpecial = "\\`*_[]<>&~|";
+
+// Appends text so that it is read as itself. At the start of a line more means something.
+void AppendEscaped(std::string &out, std::string_view text, bool lineStart) {
+  if (lineStart && !text.empty()) {
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (std::string_view("#+-=:").find(text[0]) != std::string_view::npos) {
+      out += '\\';
+      out += text[0];
+      text.remove_prefix(1);
+    } else if (digits != 0 && digits < text.size() &&
+               (text[digits] == '.' || text[digits] == ')')) {
+      out.append(text.substr(0, digits));
+      out += '\\';
+      out += text[digits];
+      text.remove_prefix(digits + 1);
+    }
+  }
+  for (const char c : text) {
+    if (kSpecial.find(c) != std::string_view::npos) out += '\\';
+    out += c;
+  }
+}
+
+// A target between angle brackets holds everything but these and line feeds.
+void AppendTarget(std::string &out, std::string_view target) {
+  const bool brackets = target.empty() || target.find_first_of(" ()") != std::string_view::npos;
+  if (brackets) out += '<';
+  for (const char c : target) {
+    if (c == '<') {
+      out += "%3C";
+    } else if (c == '>') {
+      out += "%3E";
+    } else {
+      if (c == '\\') out += '\\';
+      out += c;
+    }
+  }
+  if (brackets) out += '>';
+}
+
+class MarkdownWriter : public BlockSink {
+ public:
+  MarkdownWriter(Output &output, const WriterOptions &options)
+      : out_(output), nameHeading_(options.nameHeading) {}
+
+  void BeginDocument(const DeckInfo &deck) override {
+    lastBlock_ = Block::kNone;
+    firstCard_ = true;
+    if (!nameHeading_) return;
+    if (anyDocument_) out_ << '\n';
+    anyDocument_ = true;
+    line_ = "# ";
+    AppendEscaped(line_, deck.name, false);
+    EndBlock(Block::kOther);
+  }
+
+  void BeginCard(const Card &card) override {
+    FinishParagraph();
+    line_.clear();
+    if (!card.title.empty()) {
+      line_ = "## ";
+      AppendEscaped(line_, card.title, false);
+    } else if (!firstCard_) {
+      line_ = "---";
+    }
+    firstCard_ = false;
+    if (!line_.empty()) EndBlock(Block::kOther);
+  }
+
+  void TakeParagraph(const Paragraph &paragraph) override {
+    line_.clear();
+    if (paragraph.preformatted) {
+      const bool goesOn = paragraph.continues && lastBlock_ == Block::kCode;
+      for (const Run &run : paragraph.content.runs) {
+        line_ += run.image == kNone ? paragraph.content.TextOf(run)
+                                    : ImageLabel(paragraph.content.images[run.image]);
+      }
+      if (!line_.empty()) line_.insert(0, "    ");
+      if (goesOn) {
+        out_ << line_ << '\n';
+      } else if (!line_.empty()) {
+        EndBlock(Block::kCode);
+      }
+      return;
+    }
+    const bool goesOn = paragraph.continues && lastBlock_ == Block::kParagraph;
+    AppendContent(paragraph.content, "");
+    if (line_.empty()) {
+      FinishParagraph();
+      return;
+    }
+    if (goesOn) {
+      out_ << "\\\n" << line_;
+    } else {
+      FinishParagraph();
+      if (lastBlock_ != Block::kNone) out_ << '\n';
+      out_ << line_;
+    }
+    lastBlock_ = Block::kParagraph;
+  }
+
+  void TakeTable(const Table &table) override {
+    std::size_t columns = 0;
+    for (const Row &row : table.rows) columns = std::max<std::size_t>(columns, row.cellCount);
+    if (columns == 0) return;
+    FinishParagraph();
+    if (lastBlock_ != Block::kNone) out_ << '\n';
+    lastBlock_ = Block::kOther;
+    for (std::size_t index = 0; index < table.rows.size(); ++index) {
+      WriteRow(table, table.rows[index], columns);
+      if (index == 0) WriteDelimiters(table, table.rows[0], columns);
+    }
+  }
+
+  void EndCard() override { FinishParagraph(); }
+
+  void EndDocument(const DeckInfo & /*deck*/) override {
+    FinishParagraph();
+    out_.Flush();
+  }
+
+ private:
+  enum class Block { kNone, kParagraph, kCode, kOther };
+
+  // The last line of a paragraph waits for its line feed, since a break may come.
+  void FinishParagraph() {
+    if (lastBlock_ != Block::kParagraph) return;
+    out_ << '\n';
+    lastBlock_ = Block::kOther;
+  }
+
+  void EndBlock(Block kind) {
+    FinishParagraph();
+    if (lastBlock_ != Block::kNone) out_ << '\n';
+    out_ << line_ << '\n';
+    lastBlock_ = kind;
+  }
+
+  void WriteRow(const Table &table, const Row &row, std::size_t columns) {
+    line_ = "|";
+    for (const Cell &cell : table.CellsOf(row)) {
+      line_ += ' ';
+      AppendContent(table.ContentOf(cell), "<br>");
+      line_ += " |";
+    }
+    for (std::size_t column = row.cellCount; column < columns; ++column) line_ += "  |";
+    out_ << line_ << '\n';
+  }
+
+  void WriteDelimiters(const Table &table, const Row &row, std::size_t columns) {
+    line_ = "|";
+    for (std::size_t column = 0; column < columns; ++column) {
+      const Alignment alignment =
+          column < row.cellCount ? table.cells[row.firstCell + column].alignment : Alignment::kLeft;
+      line_ += alignment == Alignment::kRight    ? " ---: |"
+               : alignment == Alignment::kCenter ? " :---: |"
+                                                 : " --- |";
+    }
+    out_ << line_ << '\n';
+  }
+
+  // Appends running text to the line; `feed` stands for line feeds in it.
+  void AppendContent(const Content &content, std::string_view feed) {
+    const std::size_t start = line_.size();
+    std::uint32_t link = kNone;
+    for (const Run &run : content.runs) {
+      if (run.link != link) {
+        if (link != kNone) EndLink(content.links[link]);
+        link = run.link;
+        if (link != kNone) line_ += '[';
+      }
+      AppendRun(content, run, feed, line_.size() == start && feed.empty());
+    }
+    if (link != kNone) EndLink(content.links[link]);
+  }
+
+  void EndLink(const Link &link) {
+    line_ += "](";
+    // A target that is not to be followed leaves the text as a link to nowhere.
+    AppendTarget(line_, IsSafeTarget(link.target) ? std::string_view(link.target) : "#");
+    line_ += ')';
+  }
+
+  // Emphasis has to touch its text: blanks at its ends stand outside.
+  void AppendRun(const Content &content, const Run &run, std::string_view feed, bool lineStart) {
+    if (run.image != kNone) {
+      const Image &image = content.images[run.image];
+      line_ += "![";
+      AppendEscaped(line_, ImageLabel(image), false);
+      line_ += "](";
+      AppendTarget(line_, IsSafeSource(image.source) ? std::string_view(image.source) : "#");
+      line_ += ')';
+      return;
+    }
+    std::string_view text = content.TextOf(run);
+    const std::size_t first = text.find_first_not_of(" \n");
+    const std::string_view mark = first == std::string_view::npos      ? ""
+                                  : run.style.bold && run.style.italic ? "***"
+                                  : run.style.bold                     ? "**"
+                                  : run.style.italic                   ? "*"
+                                                                       : "";
+    std::string_view behind;
+    if (!mark.empty()) {
+      AppendLines(text.substr(0, first), feed, false);
+      const std::size_t last = text.find_last_not_of(" \n") + 1;
+      behind = text.substr(last);
+      text = text.substr(first, last - first);
+    }
+    line_ += mark;
+    AppendLines(text, feed, lineStart && mark.empty());
+    line_ += mark;
+    AppendLines(behind, feed, false);
+  }
+
+  void AppendLines(std::string_view text, std::string_view feed, bool lineStart) {
+    for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n')) {
+      AppendEscaped(line_, text.substr(0, at), lineStart);
+      line_ += feed;
+      text.remove_prefix(at + 1);
+    }
+    AppendEscaped(line_, text, lineStart);
+  }
+
+  Output &out_;
+  bool nameHeading_;
+  bool anyDocument_ = false;
+  bool firstCard_ = true;
+  Block lastBlock_ = Block::kNone;
+  std::string line_;
+};
+
+}  // namespace
+
+std::unique_ptr<BlockSink> MakeMarkdownWriter(Output &output, const WriterOptions &options) {
+  return std::make_unique<MarkdownWriter>(output, options);
+}
+
+}  // namespace vs_wml

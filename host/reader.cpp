@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "host/reader.h"
+
+#include <string>
+
+#include "host/block_builder.h"
+#include "host/block_source.h"
+#include "host/stream.h"
+
+namespace vs_wml {
+
+void CheckRead(const BlockSource &source, std::size_t size, bool aborted) {
+  if (source.Exhausted()) {
+    throw ReadFailure("given up: its tables make the reader go over it again and again (" +
+                      std::to_string(source.Served()) + " bytes read of " + std::to_string(size) +
+                      ")");
+  }
+  if (aborted) throw ReadFailure("out of memory, or the filter identity is not served");
+}
+
+void ReadDeck(const Deck &deck, BlockSink &sink) {
+  MemorySource source(deck.bytes);
+  source.SetLimit(BlockSource::SensibleLimit(deck.bytes.size()));
+  BlockBuilder builder(deck, sink);
+  {
+    Stream stream(source, deck.identity, builder.Routines(), &builder);
+    builder.Attach(stream);
+    if (!builder.Aborted()) {
+      stream.Section();
+      stream.Read();
+    }
+  }
+  builder.Finish();
+  CheckRead(source, deck.bytes.size(), builder.Aborted() || !builder.Done());
+  sink.EndDocument(deck.info);
+}
+
+}  // namespace vs_wml

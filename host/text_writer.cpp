@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/target.h"
+#include "host/text_layout.h"
+#include "host/utf8.h"
+#include "host/writer.h"
+
+namespace vs_wml {
+namespace {
+
+constexpr std::string_view kRule = "\xE2\x94\x80";  // ─
+constexpr std::size_t kColumnGap = 2;
+
+enum StyleBit : std::uint8_t { kBold = 1, kItalic = 2, kUnderline = 4, kLinked = 8 };
+
+// From `offset` on, the text has this style.
+struct Mark {
+  std::size_t offset;
+  std::uint8_t style;
+};
+
+// Text with its styles, as it is laid out: links numbered, images named.
+struct FlatText {
+  std::string text;
+  std::vector<Mark> marks;
+
+  void Clear() {
+    text.clear();
+    marks.clear();
+  }
+};
+
+std::uint8_t StyleBits(const Run &run) {
+  unsigned bits = 0;
+  if (run.style.bold) bits |= kBold;
+  if (run.style.italic) bits |= kItalic;
+  if (run.style.underline) bits |= kUnderline;
+  if (run.link != kNone) bits |= kLinked;
+  return static_cast<std::uint8_t>(bits);
+}
+
+std::string AnsiStyle(std::uint8_t style) {
+  std::string sequence = "\x1B[0";
+  if ((style & kBold) != 0) sequence += ";1";
+  if ((style & kItalic) != 0) sequence += ";3";
+  if ((style & kUnderline) != 0) sequence += ";4";
+  if ((style & kLinked) != 0) sequence += ";34";
+  return sequence + 'm';
+}
+
+class TextWriter : public BlockSink {
+ public:
+  TextWriter(Output &output, const WriterOptions &options)
+      : out_(output),
+        width_(std::max<std::size_t>(options.width, 1)),
+        color_(options.color),
+        nameHeading_(options.nameHeading) {}
+
+  void BeginDocument(const DeckInfo &deck) override {
+    firstCard_ = true;
+    written_ = blank_ = false;
+    listedLinks_ = 0;
+    if (!nameHeading_) return;
+    if (anyDocument_) out_ << '\n';
+    anyDocument_ = true;
+    out_ << "==> " << deck.name << " <==\n";
+  }
+
+  void BeginCard(const Card &card) override {
+    if (!firstCard_ || !card.title.empty()) CardRule(card);
+    firstCard_ = false;
+  }
+
+  void TakeParagraph(const Paragraph &paragraph) override {
+    Flatten(paragraph.content);
+    if (!paragraph.continues) blank_ = written_;
+    if (paragraph.preformatted) {
+      WriteLine({0, flat_.text.size(), 0}, 0);
+      return;
+    }
+    lines_.clear();
+    BreakLines(flat_.text, 0, flat_.text.size(), width_, LongWords::kKeep, lines_);
+    for (const Line &line : lines_) {
+      WriteLine(line, Indent(paragraph.alignment, width_, line.columns));
+    }
+  }
+
+  void TakeTable(const Table &table) override;
+
+  void EndCard() override {
+    if (pendingLinks_.empty()) return;
+    blank_ = written_;
+    for (const Link &link : pendingLinks_) {
+      FlushBlank();
+      out_ << '[' << std::size_t{link.number} << "] " << link.target << '\n';
+    }
+    pendingLinks_.clear();
+  }
+
+  void EndDocument(const DeckInfo & /*deck*/) override { out_.Flush(); }
+
+ private:
+  struct CellText {
+    std::size_t begin;
+    std::size_t end;
+  };
+
+  static std::size_t Indent(Alignment alignment, std::size_t width, std::size_t columns) {
+    const std::size_t free = width - std::min(width, columns);
+    if (alignment == Alignment::kRight) return free;
+    return alignment == Alignment::kCenter ? free / 2 : 0;
+  }
+
+  void CardRule(const Card &card) {
+    blank_ = written_ = written_ || !firstCard_;
+    FlushBlank();
+    std::size_t columns = 0;
+    const auto rule = [&](std::size_t count) {
+      for (std::size_t i = 0; i < count; ++i) out_ << kRule;
+      columns += count;
+    };
+    const auto words = [&](std::string_view prefix, std::string_view text) {
+      if (color_) out_ << "\x1B[1m";
+      out_ << ' ' << prefix << text << ' ';
+      if (color_) out_ << "\x1B[0m";
+      columns += 2 + prefix.size() + ColumnWidth(text);
+      rule(2);
+    };
+    rule(2);
+    if (!card.title.empty()) words("", card.title);
+    if (!card.id.empty()) words("#", card.id);
+    rule(width_ - std::min(columns, width_));
+    out_ << '\n';
+    written_ = blank_ = false;
+    if (!card.title.empty() || !firstCard_) written_ = true;
+  }
+
+  // Puts the runs one after the other, with the numbers of the links behind them.
+  void Append(const Content &content) {
+    std::uint32_t link = kNone;
+    const auto endLink = [&] {
+      if (link == kNone) return;
+      flat_.text += '[';
+      flat_.text += std::to_string(content.links[link].number);
+      flat_.text += ']';
+      NoteLink(content.links[link]);
+    };
+    for (const Run &run : content.runs) {
+      if (run.link != link) {
+        endLink();
+        link = run.link;
+      }
+      if (color_) flat_.marks.push_back({flat_.text.size(), StyleBits(run)});
+      if (run.image == kNone) {
+        flat_.text += content.TextOf(run);
+      } else {
+        flat_.text += '[';
+        flat_.text += ImageLabel(content.images[run.image]);
+        flat_.text += ']';
+      }
+    }
+    endLink();
+  }
+
+  void Flatten(const Content &content) {
+    flat_.Clear();
+    Append(content);
+  }
+
+  // Every link is listed once, in the card where it begins.
+  void NoteLink(const Link &link) {
+    if (link.number == listedLinks_) return;
+    listedLinks_ = link.number;
+    pendingLinks_.push_back(link);
+  }
+
+  void FlushBlank() {
+    if (blank_) out_ << '\n';
+    blank_ = false;
+  }
+
+  void WriteLine(const Line &line, std::size_t indent) {
+    if (line.begin == line.end) {
+      blank_ = written_;
+      return;
+    }
+    FlushBlank();
+    out_.Pad(indent);
+    WriteStyled(line);
+    out_ << '\n';
+    written_ = true;
+  }
+
+  void WriteStyled(const Line &line) {
+    const std::string_view text = flat_.text;
+    if (!color_) {
+      out_ << text.substr(line.begin, line.end - line.begin);
+      return;
+    }
+    auto mark = std::upper_bound(
+        flat_.marks.begin(), flat_.marks.end(), line.begin,
+        [](std::size_t offset, const Mark &candidate) { return offset < candidate.offset; });
+    std::uint8_t style = mark == flat_.marks.begin() ? std::uint8_t{0} : std::prev(mark)->style;
+    if (style != 0) out_ << AnsiStyle(style);
+    for (std::size_t at = line.begin; at < line.end;) {
+      const std::size_t next =
+          mark == flat_.marks.end() ? line.end : std::min(mark->offset, line.end);
+      out_ << text.substr(at, next - at);
+      at = next;
+      if (mark != flat_.marks.end() && at == mark->offset && at < line.end) {
+        if (mark->style != style) out_ << AnsiStyle(mark->style);
+        style = mark->style;
+        ++mark;
+      }
+    }
+    if (style != 0) out_ << "\x1B[0m";
+  }
+
+  std::vector<std::size_t> ColumnsOf(const Table &table) const;
+  void WriteRow(const Table &table, const Row &row, const std::vector<std::size_t> &columns);
+
+  Output &out_;
+  std::size_t width_;
+  bool color_;
+  bool nameHeading_;
+  bool anyDocument_ = false;
+  bool firstCard_ = true;
+  bool written_ = false;  ///< something stands above, so that a blank line separates
+  bool blank_ = false;    ///< a blank line comes before the next line
+  std::uint32_t listedLinks_ = 0;
+  std::vector<Link> pendingLinks_;
+
+  // Buffers.
+  FlatText flat_;
+  std::vector<Line> lines_;
+  std::vector<CellText> cells_;
+  std::vector<std::vector<Line>> cellLines_;
+};
+
+void TextWriter::TakeTable(const Table &table) {
+  flat_.Clear();
+  cells_.clear();
+  for (const Cell &cell : table.cells) {
+    const std::size_t begin = flat_.text.size();
+    Append(table.ContentOf(cell));
+    cells_.push_back({begin, flat_.text.size()});
+  }
+  blank_ = written_;
+  const std::vector<std::size_t> columns = ColumnsOf(table);
+  for (const Row &row : table.rows) WriteRow(table, row, columns);
+}
+
+// Widths of the columns in characters: as wide as their content where that fits, else
+// the room shared in proportion, no narrower than the longest word while that is possible.
+std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
+  std::vector<std::size_t> natural;
+  std::vector<std::size_t> least;
+  const std::string_view text = flat_.text;
+  for (const Row &row : table.rows) {
+    if (row.cellCount > natural.size()) {
+      natural.resize(row.cellCount);
+      least.resize(row.cellCount);
+    }
+    for (std::size_t column = 0; column < row.cellCount; ++column) {
+      const CellText &cell = cells_[row.firstCell + column];
+      for (std::size_t begin = cell.begin; begin <= cell.end;) {
+        const std::size_t end = std::min(text.substr(0, cell.end).find('\n', begin), cell.end);
+        natural[column] = std::max(natural[column], ColumnWidth(text.substr(begin, end - begin)));
+        begin = end + 1;
+      }
+    }
+  }
+  if (natural.empty()) return natural;
+
+  const std::size_t gaps = kColumnGap * (natural.size() - 1);
+  const std::size_t room = std::max(width_, gaps + natural.size()) - gaps;
+  std::size_t wanted = 0;
+  for (const std::size_t columns : natural) wanted += columns;
+  if (wanted <= room) return natural;
+
+  const std::size_t fair = std::max<std::size_t>(room / natural.size(), 1);
+  for (const Row &row : table.rows) {
+    for (std::size_t column = 0; column < row.cellCount; ++column) {
+      const CellText &cell = cells_[row.firstCell + column];
+      if (least[column] >= fair) continue;
+      least[column] =
+          std::max(least[column], WidestWord(text.substr(cell.begin, cell.end - cell.begin)));
+    }
+  }
+  std::size_t used = 0;
+  for (std::size_t &columns : least) {
+    columns = std::min(columns, fair);
+    used += columns;
+  }
+  // What is left goes to the columns in proportion to what they lack.
+  const std::size_t left = room - std::min(room, used);
+  const std::size_t lacking = std::max<std::size_t>(wanted - std::min(wanted, used), 1);
+  for (std::size_t column = 0; column < natural.size(); ++column) {
+    const std::size_t lack = natural[column] - std::min(natural[column], least[column]);
+    least[column] = std::max<std::size_t>(least[column] + left * lack / lacking, 1);
+  }
+  return least;
+}
+
+void TextWriter::WriteRow(const Table &table, const Row &row,
+                          const std::vector<std::size_t> &columns) {
+  if (cellLines_.size() < row.cellCount) cellLines_.resize(row.cellCount);
+  std::size_t height = 0;
+  for (std::size_t column = 0; column < row.cellCount; ++column) {
+    const CellText &cell = cells_[row.firstCell + column];
+    cellLines_[column].clear();
+    BreakLines(flat_.text, cell.begin, cell.end, columns[column], LongWords::kBreak,
+               cellLines_[column]);
+    height = std::max(height, cellLines_[column].size());
+  }
+  FlushBlank();
+  written_ = true;
+  for (std::size_t level = 0; level < height; ++level) {
+    std::size_t behind = 0;  // blanks not yet written: none stand at the end of a line
+    for (std::size_t column = 0; column < row.cellCount; ++column) {
+      if (column != 0) behind += kColumnGap;
+      const bool empty = level >= cellLines_[column].size() ||
+                         cellLines_[column][level].begin == cellLines_[column][level].end;
+      if (empty) {
+        behind += columns[column];
+        continue;
+      }
+      const Line &line = cellLines_[column][level];
+      const Alignment alignment = table.cells[row.firstCell + column].alignment;
+      const std::size_t indent = Indent(alignment, columns[column], line.columns);
+      out_.Pad(behind + indent);
+      WriteStyled(line);
+      behind = columns[column] - std::min(columns[column], indent + line.columns);
+    }
+    out_ << '\n';
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<BlockSink> MakeTextWriter(Output &output, const WriterOptions &options) {
+  return std::make_unique<TextWriter>(output, options);
+}
+
+}  // namespace vs_wml

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "host/utf8.h"
+
+#include <unicode/uchar.h>
+
+#include <cstring>
+
+namespace vs_wml {
+namespace {
+
+constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+constexpr char32_t kIllFormed = 0xFFFFFFFF;
+
+// What a lead byte says: how many bytes follow, and the range of the first of them,
+// which keeps out overlong forms, surrogates and what lies beyond U+10FFFF.
+struct Lead {
+  unsigned following;
+  unsigned char low = 0x80;
+  unsigned char high = 0xBF;
+};
+
+constexpr Lead LeadOf(unsigned char byte) {
+  if (byte >= 0xC2 && byte <= 0xDF) return {1};
+  if (byte == 0xE0) return {2, 0xA0, 0xBF};
+  if (byte == 0xED) return {2, 0x80, 0x9F};
+  if (byte >= 0xE1 && byte <= 0xEF) return {2};
+  if (byte == 0xF0) return {3, 0x90, 0xBF};
+  if (byte >= 0xF1 && byte <= 0xF3) return {3};
+  if (byte == 0xF4) return {3, 0x80, 0x8F};
+  return {0};
+}
+
+// Decodes the character at `offset` and moves behind it; for ill-formed bytes behind
+// the longest start of a character, as Unicode recommends.
+char32_t Decode(std::string_view text, std::size_t &offset) {
+  const auto first = static_cast<unsigned char>(text[offset++]);
+  if (first < 0x80) return first;
+  Lead lead = LeadOf(first);
+  if (lead.following == 0) return kIllFormed;
+  char32_t character = first & (0x3FU >> lead.following);
+  for (; lead.following != 0; --lead.following) {
+    if (offset == text.size()) return kIllFormed;
+    const auto byte = static_cast<unsigned char>(text[offset]);
+    if (byte < lead.low || byte > lead.high) return kIllFormed;
+    character = (character << 6U) | (byte & 0x3FU);
+    lead.low = 0x80;
+    lead.high = 0xBF;
+    ++offset;
+  }
+  return character;
+}
+
+}  // namespace
+
+std::size_t AsciiPrefix(std::string_view text) {
+  std::size_t offset = 0;
+  while (offset + sizeof(std::uint64_t) <= text.size()) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + offset, sizeof word);
+    if ((word & kHighBits) != 0) break;
+    offset += sizeof word;
+  }
+  while (offset < text.size() && static_cast<unsigned char>(text[offset]) < 0x80) ++offset;
+  return offset;
+}
+
+std::size_t FindIllFormedUtf8(std::string_view text) {
+  std::size_t offset = 0;
+  while (offset < text.size()) {
+    offset += AsciiPrefix(text.substr(offset));
+    while (offset < text.size() && static_cast<unsigned char>(text[offset]) >= 0x80) {
+      const std::size_t start = offset;
+      if (Decode(text, offset) == kIllFormed) return start;
+    }
+  }
+  return text.size();
+}
+
+std::string RepairUtf8(std::string_view text) {
+  std::string repaired;
+  repaired.reserve(text.size());
+  while (!text.empty()) {
+    std::size_t good = FindIllFormedUtf8(text);
+    repaired.append(text.substr(0, good));
+    if (good < text.size()) {
+      Decode(text, good);
+      AppendUtf8(repaired, kReplacementCharacter);
+    }
+    text.remove_prefix(good);
+  }
+  return repaired;
+}
+
+void AppendUtf8(std::string &text, char32_t character) {
+  if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) {
+    character = kReplacementCharacter;
+  }
+  const auto add = [&](char32_t byte) { text += static_cast<char>(byte); };
+  if (character < 0x80) {
+    add(character);
+  } else if (character < 0x800) {
+    add(0xC0 | (character >> 6U));
+    add(0x80 | (character & 0x3FU));
+  } else if (character < 0x10000) {
+    add(0xE0 | (character >> 12U));
+    add(0x80 | ((character >> 6U) & 0x3FU));
+    add(0x80 | (character & 0x3FU));
+  } else {
+    add(0xF0 | (character >> 18U));
+    add(0x80 | ((character >> 12U) & 0x3FU));
+    add(0x80 | ((character >> 6U) & 0x3FU));
+    add(0x80 | (character & 0x3FU));
+  }
+}
+
+char32_t NextCharacter(std::string_view text, std::size_t &offset) {
+  const char32_t character = Decode(text, offset);
+  return character == kIllFormed ? kReplacementCharacter : character;
+}
+
+int ColumnWidth(char32_t character) {
+  if (character < 0x300) return character == 0xAD ? 0 : 1;
+  const auto code = static_cast<UChar32>(character);
+  const auto mask = U_GET_GC_MASK(code);
+  if ((mask & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0) return 0;
+  const int width = u_getIntPropertyValue(code, UCHAR_EAST_ASIAN_WIDTH);
+  return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
+std::size_t ColumnWidth(std::string_view text) {
+  std::size_t columns = AsciiPrefix(text);
+  for (std::size_t offset = columns; offset < text.size();) {
+    columns += static_cast<std::size_t>(ColumnWidth(NextCharacter(text, offset)));
+  }
+  return columns;
+}
+
+}  // namespace vs_wml

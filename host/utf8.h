@@ -1,0 +1,50 @@
+/// \file
+/// UTF-8 text: checking, repairing, taking apart.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_UTF8_H
+#define VS_WML_HOST_UTF8_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vs_wml {
+
+inline constexpr char32_t kReplacementCharacter = 0xFFFD;
+
+/// Offset of the first ill-formed byte, or the length of the text when there is none.
+std::size_t FindIllFormedUtf8(std::string_view text);
+
+/// Length of the ASCII characters at the start of the text.
+std::size_t AsciiPrefix(std::string_view text);
+
+inline bool IsValidUtf8(std::string_view text) {
+  return FindIllFormedUtf8(text) == text.size();
+}
+
+/// The text with every ill-formed sequence replaced by U+FFFD.
+std::string RepairUtf8(std::string_view text);
+
+/// Appends a character; what is no Unicode scalar value is appended as U+FFFD.
+void AppendUtf8(std::string &text, char32_t character);
+
+/// The character at `offset`, which is moved behind it; U+FFFD for ill-formed bytes.
+char32_t NextCharacter(std::string_view text, std::size_t &offset);
+
+/// Columns that a character takes on a terminal: 2 for wide East Asian characters, 0
+/// for combining marks and format characters, else 1.
+int ColumnWidth(char32_t character);
+
+/// Columns of a text without line feeds.
+std::size_t ColumnWidth(std::string_view text);
+
+/// Whether a character controls a terminal rather than shows: C0, DEL and C1.
+constexpr bool IsControl(char32_t character) {
+  return character < 0x20 || (character >= 0x7F && character <= 0x9F);
+}
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_UTF8_H
