@@ -28,9 +28,9 @@ std::string Names(const OptionRow &row) {
   std::string names = row.flags;
   const std::size_t comma = names.find(',');
   if (comma == std::string::npos) {
-    names.insert(0, "    ");
+    names.insert(0, 4, ' ');
   } else {
-    names.insert(comma + 1, " ");
+    names.insert(comma + 1, 1, ' ');
   }
   if (*row.argument != '\0') names += std::string(" ") + row.argument;
   return names;

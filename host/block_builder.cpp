@@ -370,15 +370,37 @@ void BlockBuilder::EndLine() {
     return;
   }
   CloseRun();
+  if (!preformatted_) TrimEnd();
+  if (runs_.empty()) {
+    // It shows only when another line of the same paragraph follows.
+    if (!newParagraph_) ++emptyLines_;
+  } else {
+    if (newParagraph_) emptyLines_ = 0;
+    for (; emptyLines_ != 0; --emptyLines_) TellParagraph({});
+    TellParagraph(CurrentContent());
+  }
+  StartContent();
+}
+
+void BlockBuilder::TellParagraph(const Content &content) {
   Paragraph paragraph;
-  paragraph.content = CurrentContent();
+  paragraph.content = content;
   paragraph.alignment = alignment_;
   paragraph.preformatted = preformatted_;
   paragraph.continues = !newParagraph_;
   newParagraph_ = false;
   TellCard();
   sink_.TakeParagraph(paragraph);
-  StartContent();
+}
+
+// The blank before a break separates nothing.
+void BlockBuilder::TrimEnd() {
+  while (!runs_.empty() && runs_.back().image == kNone) {
+    Run &run = runs_.back();
+    while (run.end > run.begin && text_[run.end - 1] == ' ') --run.end;
+    if (run.end > run.begin) return;
+    runs_.pop_back();
+  }
 }
 
 // Ends a paragraph that no break has ended.
@@ -391,9 +413,7 @@ void BlockBuilder::EndDocument() {
   if (documentEnded_) return;
   if (inTable_) CloseTable();
   EndParagraph();
-  TellCard();
-  if (cardOpen_) sink_.EndCard();
-  cardOpen_ = false;
+  LeaveCard();
   documentEnded_ = true;
 }
 
@@ -403,14 +423,12 @@ void BlockBuilder::StartCard() {
   cardSeparated_ = false;
   if (inTable_) CloseTable();
   EndParagraph();
-  TellCard();
-  if (cardOpen_) sink_.EndCard();
-  cardOpen_ = false;
+  LeaveCard();
 
   card_ = {};
   cardOffset_ = stream_->Offset();
   const SourceTag tag = SourceTag::EndingAt(deck_.bytes, cardOffset_, "card");
-  card_.id = CleanText(RepairUtf8(tag.Attribute("id").value_or("")));
+  card_.id = CleanText(TextOfBytes(tag.Attribute("id").value_or("")));
   card_.newContext = tag.Attribute("newcontext") == "true";
   card_.ordered = tag.Attribute("ordered") != "false";
   cardStarting_ = true;
@@ -426,11 +444,19 @@ void BlockBuilder::TellCard() {
   sink_.BeginCard(card_);
 }
 
+void BlockBuilder::LeaveCard() {
+  if (cardStarting_) TellCard();
+  if (cardOpen_) sink_.EndCard();
+  cardOpen_ = false;
+  emptyLines_ = 0;
+}
+
 // -------------------------------------------------------------------- tables
 
 void BlockBuilder::OpenTable() {
   EndParagraph();
   StartContent();
+  emptyLines_ = 0;
   inTable_ = true;
   cells_.clear();
   rows_.clear();
@@ -440,7 +466,7 @@ void BlockBuilder::OpenTable() {
   alignment_ = Alignment::kLeft;
   const SourceTag tag = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), "table");
   columnAlignments_ = ColumnAlignments(tag.Attribute("align").value_or(""));
-  tableTitle_ = CleanText(RepairUtf8(tag.Attribute("title").value_or("")));
+  tableTitle_ = CleanText(TextOfBytes(tag.Attribute("title").value_or("")));
 }
 
 void BlockBuilder::EndCell() {
@@ -463,6 +489,7 @@ void BlockBuilder::CloseTable() {
   if (!inTable_) return;
   inTable_ = false;
   CloseRun();
+  if (AsciiPrefix(text_) != text_.size()) ScaleColumns();
   Table table;
   table.content = CurrentContent();
   table.cells = cells_;
@@ -474,6 +501,31 @@ void BlockBuilder::CloseTable() {
   sink_.TakeTable(table);
   StartContent();
   newParagraph_ = true;
+}
+
+// The filter has measured the bytes of the served form: the widths of columns beyond
+// ASCII are brought down to what their characters take.
+void BlockBuilder::ScaleColumns() {
+  std::vector<std::pair<std::size_t, std::size_t>> widest(columnWidths_.size());
+  for (const Row &row : rows_) {
+    for (std::size_t column = 0; column < std::min<std::size_t>(row.cellCount, widest.size());
+         ++column) {
+      const Cell &cell = cells_[row.firstCell + column];
+      if (cell.runCount == 0) continue;
+      const std::uint32_t begin = runs_[cell.firstRun].begin;
+      const std::uint32_t end = runs_[cell.firstRun + cell.runCount - 1].end;
+      const std::string_view text = std::string_view(text_).substr(begin, end - begin);
+      auto &[bytes, columns] = widest[column];
+      bytes = std::max(bytes, text.size());
+      columns = std::max(columns, ColumnWidth(text));
+    }
+  }
+  for (std::size_t column = 0; column < widest.size(); ++column) {
+    const auto &[bytes, columns] = widest[column];
+    if (bytes == 0) continue;
+    columnWidths_[column] =
+        static_cast<std::uint32_t>(std::uint64_t{columnWidths_[column]} * columns / bytes);
+  }
 }
 
 // ---------------------------------------------------------------- properties
@@ -523,10 +575,25 @@ std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_
   return firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1;
 }
 
+// The value of an attribute as it stands in the tag that the filter has just read: it
+// ends the values that it hands over at an equals sign and at 1023 bytes.
+std::string BlockBuilder::WholeValue(std::string value, std::string_view tag,
+                                     std::string_view attribute) const {
+  const SourceTag source = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), tag);
+  const auto whole = source.Attribute(attribute);
+  if (!whole) return value;
+  std::string text = CleanText(TextOfBytes(*whole));
+  return text.starts_with(value) ? text : value;
+}
+
 // A stored string as text; empty when the index names none of those kept.
 std::string BlockBuilder::AttributeText(std::uint32_t index) const {
   if (index < firstString_ || index - firstString_ >= strings_.size()) return {};
-  const std::string &bytes = strings_[index - firstString_];
+  return TextOfBytes(strings_[index - firstString_]);
+}
+
+// The bytes of an attribute value as text.
+std::string BlockBuilder::TextOfBytes(const std::string &bytes) const {
   if (deck_.servedAsUtf8 || AsciiPrefix(bytes) == bytes.size()) return RepairUtf8(bytes);
   std::string text;
   AppendHostCharset(text, bytes, charset_);
@@ -542,7 +609,7 @@ void BlockBuilder::OpenLink(std::uint32_t number, const VwLinkRecord &record) {
   CloseRun();
   openLink_ = {};
   openLink_.number = number;
-  openLink_.target = reference_.target;
+  openLink_.target = WholeValue(reference_.target, "a", "href");
   if ((record.flags & SO_LINK_HAS_TITLE) != 0 && !strings_.empty()) {
     openLink_.title =
         CleanText(AttributeText(firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1));
@@ -561,7 +628,7 @@ void BlockBuilder::CloseLink() {
 void BlockBuilder::InsertGraphic(const GraphicRecord &graphic) {
   CloseRun();
   Image image;
-  image.source = reference_.target;
+  image.source = WholeValue(reference_.target, "img", "src");
   image.hasAlternative = (graphic.flags & SO_GRAPHIC_HAS_ALT) != 0;
   if (image.hasAlternative) image.alternative = CleanText(AttributeText(graphic.alternative));
   image.width = graphic.width;

@@ -70,12 +70,16 @@ class BlockBuilder {
   std::uint32_t Break(std::uint32_t kind);
   void EndLine();
   void EndParagraph();
+  void TellParagraph(const Content &content);
+  void TrimEnd();
   void EndCell();
   void EndDocument();
   void StartCard();
   void TellCard();
+  void LeaveCard();
   void OpenTable();
   void CloseTable();
+  void ScaleColumns();
   void SetAlignment(std::uint32_t code);
   void Property(std::uint32_t code, std::uint32_t a, std::uint32_t b);
   std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t length);
@@ -84,6 +88,8 @@ class BlockBuilder {
   void CloseLink();
   void InsertGraphic(const GraphicRecord &graphic);
   std::string AttributeText(std::uint32_t index) const;
+  std::string TextOfBytes(const std::string &bytes) const;
+  std::string WholeValue(std::string value, std::string_view tag, std::string_view attribute) const;
 
   const Deck &deck_;
   BlockSink &sink_;
@@ -108,7 +114,8 @@ class BlockBuilder {
   std::uint32_t link_ = kNone;
   Alignment alignment_ = Alignment::kLeft;
   bool preformatted_ = false;
-  bool newParagraph_ = true;  ///< the next line starts a paragraph
+  bool newParagraph_ = true;    ///< the next line starts a paragraph
+  std::size_t emptyLines_ = 0;  ///< lines not told yet: none are at the end of a paragraph
 
   // The link that is open; it is named again in every block it goes on in.
   Link openLink_;

@@ -86,7 +86,7 @@ class MarkdownWriter : public BlockSink {
         line_ += run.image == kNone ? paragraph.content.TextOf(run)
                                     : ImageLabel(paragraph.content.images[run.image]);
       }
-      if (!line_.empty()) line_.insert(0, "    ");
+      if (!line_.empty()) line_.insert(0, 4, ' ');
       if (goesOn) {
         out_ << line_ << '\n';
       } else if (!line_.empty()) {
@@ -148,7 +148,7 @@ class MarkdownWriter : public BlockSink {
   }
 
   void WriteRow(const Table &table, const Row &row, std::size_t columns) {
-    line_ = "|";
+    line_ = '|';
     for (const Cell &cell : table.CellsOf(row)) {
       line_ += ' ';
       AppendContent(table.ContentOf(cell), "<br>");
@@ -159,7 +159,7 @@ class MarkdownWriter : public BlockSink {
   }
 
   void WriteDelimiters(const Table &table, const Row &row, std::size_t columns) {
-    line_ = "|";
+    line_ = '|';
     for (std::size_t column = 0; column < columns; ++column) {
       const Alignment alignment =
           column < row.cellCount ? table.cells[row.firstCell + column].alignment : Alignment::kLeft;
@@ -178,17 +178,18 @@ class MarkdownWriter : public BlockSink {
       if (run.link != link) {
         if (link != kNone) EndLink(content.links[link]);
         link = run.link;
-        if (link != kNone) line_ += '[';
+        if (link != kNone && IsSafeTarget(content.links[link].target)) line_ += '[';
       }
       AppendRun(content, run, feed, line_.size() == start && feed.empty());
     }
     if (link != kNone) EndLink(content.links[link]);
   }
 
+  // A target that is not to be followed leaves its text alone.
   void EndLink(const Link &link) {
+    if (!IsSafeTarget(link.target)) return;
     line_ += "](";
-    // A target that is not to be followed leaves the text as a link to nowhere.
-    AppendTarget(line_, IsSafeTarget(link.target) ? std::string_view(link.target) : "#");
+    AppendTarget(line_, link.target);
     line_ += ')';
   }
 
