@@ -39,7 +39,9 @@ vs_wml_warnings(vs_wml_objects)
 
 add_library(vs_wml SHARED $<TARGET_OBJECTS:vs_wml_objects>)
 add_library(vs_wml::vs_wml ALIAS vs_wml)
-# Linked as C, so that no C++ runtime comes with the library.
+# Linked as C, and without the C++ libraries that CMake adds for C++ objects: a use of the C++
+# runtime is an undefined symbol then.
+set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
 set_target_properties(vs_wml PROPERTIES LINKER_LANGUAGE C VERSION 1.${PROJECT_VERSION} SOVERSION 1)
 target_link_options(vs_wml PRIVATE -Wl,-z,relro,-z,now)
 if(NOT VS_WML_SANITIZE) # a sanitizer's symbols come from the program that loads the library

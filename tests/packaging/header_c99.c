@@ -12,4 +12,6 @@ SIZE(VwStreamPos, 8);
 SIZE(VwHandle, sizeof(void *));
 
 VwRoutine every_routine_has_a_type(SOEmitCharRoutine emit);
-VwRoutine every_routine_has_a_type(SOEmitCharRoutine emit) { return (VwRoutine)emit; }
+VwRoutine every_routine_has_a_type(SOEmitCharRoutine emit) {
+  return (VwRoutine)emit;
+}
