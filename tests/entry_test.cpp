@@ -20,10 +20,6 @@ VwRoutine Erase(Routine *routine) {
   return reinterpret_cast<VwRoutine>(routine);
 }
 
-TEST(Header, ServesAHostInC) {
-  EXPECT_EQ(HeaderTestRun(), 0);
-}
-
 TEST(RoutineTable, IsFilledAsFarAsTheHostHasRoom) {
   const std::vector<VwRoutine> all = {Erase(VwStreamOpen),
                                       Erase(VwStreamSection),
@@ -48,7 +44,8 @@ TEST(RoutineTable, IsFilledAsFarAsTheHostHasRoom) {
                                       nullptr,
                                       nullptr};
   const VwRoutine canary = Erase(SODummy);
-  for (const std::uint16_t entries : std::to_array<std::uint16_t>({0, 18, 19, 20, 21, 22, 23, 65535})) {
+  for (const std::uint16_t entries :
+       std::to_array<std::uint16_t>({0, 18, 19, 20, 21, 22, 23, 65535})) {
     std::array<VwRoutine, 26> table;
     table.fill(canary);
     VwGetRtns(table.data(), entries);
