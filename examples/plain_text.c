@@ -1,19 +1,17 @@
 /* A complete host in C: prints a WML document as plain text in UTF-8.
  *
- * The filter hands UTF-8 text over byte by byte and does not combine it. So this host
- * serves a UTF-8 document with a character reference in place of every character outside
- * ASCII. A document in another character set is served as it is, and of its characters
- * only ASCII is shown; a host that wants them all looks at what SOSwitchCharset says.
+ * The filter does not combine the bytes of UTF-8, so a UTF-8 document is opened with an
+ * identity whose character set has one byte a character: its bytes come back one by one, to
+ * be printed as they are. Other documents are opened as plain WML, which is ISO 8859-1.
  *
  * SPDX-License-Identifier: MIT
  */
-#include <ctype.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <vs_wml.h>
 
-enum { PLAIN_WML = 1151, MAX_BYTES = 1 << 26, MAX_STRINGS = 1 << 16 };
+enum { PLAIN_WML = 1151, ONE_BYTE_A_CHARACTER = 1157, MAX_BYTES = 1 << 26, MAX_STRINGS = 1 << 16 };
 
 typedef struct Document {
   VwBlockHandle handle; /* first: the filter hands back its address */
@@ -23,10 +21,7 @@ typedef struct Document {
 
 typedef struct Host {
   uint32_t charset;           /* of the characters that come next */
-  uint32_t high_surrogate;    /* 0, or waits for its other half */
-  char reference[9];          /* "&#x3042;" as far as it has come */
-  size_t reference_length;    /* 0 outside of one */
-  char *strings[MAX_STRINGS]; /* by string index */
+  char *strings[MAX_STRINGS]; /* what SOStoreString was given, by index */
   uint32_t string_count;
   uint32_t target;      /* string index of the latest reference's target */
   uint32_t link_target; /* of the open link's */
@@ -55,111 +50,62 @@ static uint32_t doc_tell(VwHandle self, uint32_t *position) {
   return 0;
 }
 
-/* Length of the well-formed UTF-8 sequence at `s`, 0 for none; its value in `*code`. */
-static size_t utf8_sequence(const unsigned char *s, const unsigned char *end, uint32_t *code) {
-  static const uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-  size_t n = *s < 0x80 ? 1 : *s < 0xC2 ? 0 : *s < 0xE0 ? 2 : *s < 0xF0 ? 3 : *s < 0xF5 ? 4 : 0;
-  if (n == 0 || (size_t)(end - s) < n) return 0;
-  *code = n == 1 ? *s : *s & (0x7Fu >> n);
-  for (size_t i = 1; i < n; i++) {
-    if ((s[i] & 0xC0) != 0x80) return 0;
-    *code = *code << 6 | (s[i] & 0x3Fu);
+static int is_utf8(const unsigned char *s, size_t size) {
+  for (size_t i = 0; i < size;) {
+    unsigned char lead = s[i++];
+    int more = lead < 0x80 ? 0 : lead < 0xC2 ? -1 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    if (more < 0 || lead > 0xF4) return 0;
+    for (; more > 0; more--)
+      if (i == size || (s[i++] & 0xC0) != 0x80) return 0;
   }
-  return *code < least[n] || *code > 0x10FFFF || *code >> 11 == 0x1B ? 0 : n;
+  return 1;
 }
 
-/* Replaces what is not ASCII by references to UTF-16 units, if the document is UTF-8. */
-static void serve_as_references(Document *doc) {
-  char *out = malloc((size_t)doc->size * 4 + 1), *to = out;
-  const unsigned char *end = doc->bytes + doc->size;
-  uint32_t code;
-  if (out == NULL) return;
+/* Hides what would change the character set: declarations, and ISO 2022's control bytes. */
+static void keep_charset(Document *doc) {
+  for (uint32_t i = 0; i < doc->size; i++) {
+    unsigned char *s = doc->bytes + i;
+    if (*s == 0x0E || *s == 0x0F || *s == 0x1B) *s = ' ';
+    if (doc->size - i >= 5 && memcmp(s, "<meta", 5) == 0) s[1] = '-';
+  }
   if (doc->size >= 3 && memcmp(doc->bytes, "\xEF\xBB\xBF", 3) == 0) memset(doc->bytes, ' ', 3);
-  for (const unsigned char *s = doc->bytes; s < end;) {
-    size_t length = utf8_sequence(s, end, &code);
-    if (length == 0) {
-      free(out);
-      return;
-    }
-    if (length == 4) to += sprintf(to, "&#x%04X;", 0xD7C0 + (unsigned)(code >> 10));
-    if (length == 4) code = 0xDC00 | (code & 0x3FF);
-    to += length == 1 ? (*to = (char)code, 1) : sprintf(to, "&#x%04X;", (unsigned)code);
-    s += length;
-  }
-  free(doc->bytes);
-  doc->bytes = (unsigned char *)out;
-  doc->size = (uint32_t)(to - out);
-}
-
-/* ----------------------------------------------------------------- output */
-
-/* Prints a UTF-16 unit as UTF-8. */
-static void put_unit(Host *host, uint32_t unit) {
-  uint32_t high = host->high_surrogate;
-  host->high_surrogate = 0;
-  if (unit >> 10 == 0x36) {
-    host->high_surrogate = unit;
-    return;
-  }
-  if (unit >> 10 == 0x37) unit = high ? 0x10000 + ((high & 0x3FF) << 10 | (unit & 0x3FF)) : 0xFFFD;
-  if (unit < 0x80) {
-    putchar((int)unit);
-    return;
-  }
-  int more = unit < 0x800 ? 1 : unit < 0x10000 ? 2 : 3;
-  putchar((int)((0xFF00u >> (more + 1) & 0xFF) | unit >> 6 * more));
-  while (more-- > 0) putchar((int)(0x80 | (unit >> 6 * more & 0x3F)));
 }
 
 /* ------------------------------------------------------- output routines */
 
-static void flush_reference(Host *host) {
-  for (size_t i = 0; i < host->reference_length; i++)
-    put_unit(host, (unsigned char)host->reference[i]);
-  host->reference_length = 0;
-}
-
-/* In a title, which holds bytes, a reference above 255 comes as it was served. */
 static uint32_t emit_char(uint32_t code, VwUserWord user1, VwUserWord user2) {
-  Host *host = (Host *)user1;
-  const char shape[] = "&#xHHHH;", expected = shape[host->reference_length];
+  uint32_t charset = ((Host *)user1)->charset;
   (void)user2;
-  if (expected == 'H' ? code > 0x7F || !isxdigit((int)code) : code != (unsigned char)expected)
-    flush_reference(host);
-  if (code == '&' || host->reference_length != 0) {
-    host->reference[host->reference_length++] = (char)code;
-    if (code != ';') return 0;
-    host->reference_length = 0;
-    code = (uint32_t)strtoul(host->reference + 3, NULL, 16);
+  if (charset == HOST_CS_WINDOWS_1251 || code < 0x80) {
+    putchar((int)code); /* a byte of the document */
+  } else if (charset != HOST_CS_UNICODE) {
+    putchar('?'); /* another character set, which the document declares */
+  } else if (code < 0x800) {
+    printf("%c%c", (int)(0xC0 | code >> 6), (int)(0x80 | (code & 0x3F)));
+  } else {
+    printf("%c%c%c", (int)(0xE0 | code >> 12), (int)(0x80 | (code >> 6 & 0x3F)),
+           (int)(0x80 | (code & 0x3F)));
   }
-  put_unit(host, host->charset == HOST_CS_UNICODE || code < 0x80 ? code : 0xFFFD);
   return 0;
-}
-
-static void print(Host *host, const char *text) {
-  while (*text != '\0') emit_char((unsigned char)*text++, (VwUserWord)host, 0);
-  flush_reference(host);
-}
-
-static uint32_t emit_control(uint32_t code, VwUserWord user1, VwUserWord user2) {
-  (void)user2;
-  print((Host *)user1, code == SO_CONTROL_CARD ? "\n--------\n" : "\t");
-  return 0;
-}
-
-static uint32_t emit_break(uint32_t kind, uint32_t zero, VwUserWord user1, VwUserWord user2) {
-  Host *host = (Host *)user1;
-  (void)zero, (void)user2;
-  flush_reference(host);
-  print(host, kind == SO_BREAK_CELL ? "\t" : "\n");
-  host->ended = kind == SO_BREAK_DOCUMENT;
-  return 0; /* go on */
 }
 
 static uint32_t switch_charset(uint32_t charset, VwUserWord user1, VwUserWord user2) {
   (void)user2;
   ((Host *)user1)->charset = charset;
   return 0;
+}
+
+static uint32_t emit_control(uint32_t code, VwUserWord user1, VwUserWord user2) {
+  (void)user1, (void)user2;
+  fputs(code == SO_CONTROL_CARD ? "\n--------\n" : "\t", stdout);
+  return 0;
+}
+
+static uint32_t emit_break(uint32_t kind, uint32_t zero, VwUserWord user1, VwUserWord user2) {
+  (void)zero, (void)user2;
+  putchar(kind == SO_BREAK_CELL ? '\t' : '\n');
+  ((Host *)user1)->ended = kind == SO_BREAK_DOCUMENT;
+  return 0; /* go on */
 }
 
 static uint32_t store_string(const uint16_t *string, uint32_t code, uint32_t length,
@@ -174,6 +120,14 @@ static uint32_t store_string(const uint16_t *string, uint32_t code, uint32_t len
   return 0;
 }
 
+static void print(Host *host, const char *text) {
+  while (*text != '\0') emit_char((unsigned char)*text++, (VwUserWord)host, 0);
+}
+
+static void print_string(Host *host, uint32_t index) {
+  print(host, index < host->string_count ? host->strings[index] : "?");
+}
+
 static uint32_t set_property(uint32_t code, uint32_t a, uint32_t b, uint32_t c, VwUserWord user1,
                              VwUserWord user2) {
   (void)a, (void)c, (void)user2;
@@ -181,15 +135,11 @@ static uint32_t set_property(uint32_t code, uint32_t a, uint32_t b, uint32_t c, 
   return 0;
 }
 
-static void print_string(Host *host, uint32_t index) {
-  if (index < host->string_count) print(host, host->strings[index]);
-}
-
 static uint32_t open_link(uint32_t code, uint32_t number, const VwLinkRecord *link,
                           VwUserWord user1, VwUserWord user2) {
   Host *host = (Host *)user1;
   (void)code, (void)number, (void)link, (void)user2;
-  host->link_target = host->target; /* the reference definition came just before */
+  host->link_target = host->target; /* told just before */
   return 0;
 }
 
@@ -214,16 +164,15 @@ static uint32_t insert_graphic(const GraphicRecord *graphic, VwUserWord user1, V
 /* ------------------------------------------------------------------ main */
 
 static int load(Document *doc, const char *name) {
-  FILE *file = strcmp(name, "-") == 0 ? stdin : fopen(name, "rb");
-  doc->bytes = file != NULL ? malloc(MAX_BYTES) : NULL;
-  if (doc->bytes == NULL) return 0;
+  FILE *file = fopen(name, "rb");
+  if (file == NULL || (doc->bytes = malloc(MAX_BYTES)) == NULL) return 0;
   doc->size = (uint32_t)fread(doc->bytes, 1, MAX_BYTES, file);
-  int good = !ferror(file) && fgetc(file) == EOF;
-  if (file != stdin) fclose(file);
-  return good;
+  int whole = !ferror(file) && fgetc(file) == EOF;
+  fclose(file);
+  return whole;
 }
 
-static int read_document(Document *doc, Host *host) {
+static int read_document(Document *doc, int16_t identity, Host *host) {
   WmlProc *instance = VwAllocProc();
   VwHandle chr = 0, block;
   VwFileInfo info;
@@ -239,7 +188,7 @@ static int read_document(Document *doc, Host *host) {
   VwSetSoRtn(SLOT_CLOSE_LINK, (VwRoutine)close_link, instance);
   VwSetSoRtn(SLOT_INSERT_GRAPHIC, (VwRoutine)insert_graphic, instance);
   VwSetUser((VwUserWord)host, 0, instance);
-  VwStreamOpen(chr, PLAIN_WML, 0, &info, instance);
+  VwStreamOpen(chr, identity, 0, &info, instance);
   VwStreamSection(chr, instance);
   VwStreamRead(chr, instance);
   VwStreamClose(chr, instance);
@@ -249,17 +198,21 @@ static int read_document(Document *doc, Host *host) {
 }
 
 int main(int argc, char **argv) {
-  static Host host; /* too large for a stack */
+  static Host host; /* large */
   Document doc = {{NULL, doc_read, NULL, doc_seek, doc_tell}, NULL, 0, 0};
-  if (argc != 2 || !load(&doc, argv[1])) {
-    fprintf(stderr, argc != 2 ? "usage: plain_text FILE\n" : "plain_text: cannot read %s\n",
-            argv[1]);
-    free(doc.bytes);
+  int good = 0;
+  if (argc != 2) {
+    fputs("usage: plain_text FILE\n", stderr);
     return 2;
   }
-  serve_as_references(&doc);
-  int good = read_document(&doc, &host) && fflush(stdout) == 0;
+  if (!load(&doc, argv[1])) {
+    fprintf(stderr, "plain_text: cannot read %s\n", argv[1]);
+  } else {
+    int utf8 = is_utf8(doc.bytes, doc.size);
+    if (utf8) keep_charset(&doc);
+    good = read_document(&doc, utf8 ? ONE_BYTE_A_CHARACTER : PLAIN_WML, &host);
+  }
   while (host.string_count > 0) free(host.strings[--host.string_count]);
   free(doc.bytes);
-  return good ? 0 : 1;
+  return good && fflush(stdout) == 0 ? 0 : 1;
 }
