@@ -303,6 +303,7 @@ void BlockBuilder::SetStyle(const TextStyle &style) {
 }
 
 void BlockBuilder::StartContent() {
+  cellStart_ = 0;
   text_.clear();
   runs_.clear();
   links_.clear();
@@ -393,11 +394,13 @@ void BlockBuilder::TellParagraph(const Content &content) {
   sink_.TakeParagraph(paragraph);
 }
 
-// The blank before a break separates nothing.
+// What is blank at the end of a paragraph or a cell separates nothing.
 void BlockBuilder::TrimEnd() {
-  while (!runs_.empty() && runs_.back().image == kNone) {
+  while (runs_.size() > cellStart_ && runs_.back().image == kNone) {
     Run &run = runs_.back();
-    while (run.end > run.begin && text_[run.end - 1] == ' ') --run.end;
+    while (run.end > run.begin && (text_[run.end - 1] == ' ' || text_[run.end - 1] == '\n')) {
+      --run.end;
+    }
     if (run.end > run.begin) return;
     runs_.pop_back();
   }
@@ -461,7 +464,6 @@ void BlockBuilder::OpenTable() {
   cells_.clear();
   rows_.clear();
   columnWidths_.clear();
-  cellStart_ = 0;
   rowStart_ = 0;
   alignment_ = Alignment::kLeft;
   const SourceTag tag = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), "table");
@@ -470,9 +472,8 @@ void BlockBuilder::OpenTable() {
 }
 
 void BlockBuilder::EndCell() {
-  // A line break at the end of a cell separates nothing.
-  while (text_.size() > runStart_ && text_.back() == '\n') text_.pop_back();
   CloseRun();
+  TrimEnd();
   Cell cell;
   cell.firstRun = cellStart_;
   cell.runCount = static_cast<std::uint32_t>(runs_.size()) - cellStart_;

@@ -58,8 +58,6 @@ class MarkdownWriter : public BlockSink {
     lastBlock_ = Block::kNone;
     firstCard_ = true;
     if (!nameHeading_) return;
-    if (anyDocument_) out_ << '\n';
-    anyDocument_ = true;
     line_ = "# ";
     AppendEscaped(line_, deck.name, false);
     EndBlock(Block::kOther);
@@ -127,6 +125,7 @@ class MarkdownWriter : public BlockSink {
 
   void EndDocument(const DeckInfo & /*deck*/) override {
     FinishParagraph();
+    if (nameHeading_) out_ << '\n';
     out_.Flush();
   }
 
@@ -235,7 +234,6 @@ class MarkdownWriter : public BlockSink {
 
   Output &out_;
   bool nameHeading_;
-  bool anyDocument_ = false;
   bool firstCard_ = true;
   Block lastBlock_ = Block::kNone;
   std::string line_;

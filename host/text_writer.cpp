@@ -65,13 +65,11 @@ class TextWriter : public BlockSink {
     written_ = blank_ = false;
     listedLinks_ = 0;
     if (!nameHeading_) return;
-    if (anyDocument_) out_ << '\n';
-    anyDocument_ = true;
     out_ << "==> " << deck.name << " <==\n";
   }
 
   void BeginCard(const Card &card) override {
-    if (!firstCard_ || !card.title.empty()) CardRule(card);
+    if (!firstCard_ || !card.title.empty() || !card.id.empty()) CardRule(card);
     firstCard_ = false;
   }
 
@@ -101,7 +99,10 @@ class TextWriter : public BlockSink {
     pendingLinks_.clear();
   }
 
-  void EndDocument(const DeckInfo & /*deck*/) override { out_.Flush(); }
+  void EndDocument(const DeckInfo & /*deck*/) override {
+    if (nameHeading_) out_ << '\n';
+    out_.Flush();
+  }
 
  private:
   struct CellText {
@@ -116,8 +117,7 @@ class TextWriter : public BlockSink {
   }
 
   void CardRule(const Card &card) {
-    blank_ = written_ = written_ || !firstCard_;
-    FlushBlank();
+    if (!firstCard_) out_ << '\n';
     std::size_t columns = 0;
     const auto rule = [&](std::size_t count) {
       for (std::size_t i = 0; i < count; ++i) out_ << kRule;
@@ -135,8 +135,8 @@ class TextWriter : public BlockSink {
     if (!card.id.empty()) words("#", card.id);
     rule(width_ - std::min(columns, width_));
     out_ << '\n';
-    written_ = blank_ = false;
-    if (!card.title.empty() || !firstCard_) written_ = true;
+    blank_ = false;
+    written_ = true;
   }
 
   // Puts the runs one after the other, with the numbers of the links behind them.
@@ -227,7 +227,6 @@ class TextWriter : public BlockSink {
   std::size_t width_;
   bool color_;
   bool nameHeading_;
-  bool anyDocument_ = false;
   bool firstCard_ = true;
   bool written_ = false;  ///< something stands above, so that a blank line separates
   bool blank_ = false;    ///< a blank line comes before the next line
