@@ -83,7 +83,11 @@ struct BlockBuilder::Routines_ {
   static BlockBuilder &Of(VwUserWord user) { return *reinterpret_cast<BlockBuilder *>(user); }
 
   static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
-    Of(user).EmitUtf8(unit);
+    BlockBuilder &builder = Of(user);
+    // Nearly every call ends here; the rest stays out of line to keep it short.
+    const bool printable = unit >= 0x20 && unit < 0x7F;
+    if (printable && builder.text_.TryAdd(static_cast<char>(unit))) return 0;
+    builder.EmitOther(unit);
     return 0;
   }
   static std::uint32_t EmitCoded(std::uint32_t code, VwUserWord user, VwUserWord) {
@@ -223,18 +227,23 @@ void BlockBuilder::Finish() {
 
 void BlockBuilder::AppendCharacter(char32_t character) {
   if (character == '\n' || character == '\t' || character == '\r') {
-    text_ += ' ';
+    text_.Add(' ');
   } else if (!IsControl(character)) {
-    AppendUtf8(text_, character);
+    std::string bytes;
+    AppendUtf8(bytes, character);
+    text_.Add(bytes);
     nonAscii_ = nonAscii_ || character >= 0x80;
   }
 }
 
-// Units other than printable ASCII: the bytes of UTF-8, or UTF-16 from a reference.
+// Units that need more than a store: beyond printable ASCII they are the bytes of UTF-8, or UTF-16
+// from a reference.
 void BlockBuilder::EmitOther(std::uint32_t unit) {
   if (charset_ != HOST_CS_UNICODE && unit >= 0x80) {
-    text_ += static_cast<char>(unit);
+    text_.Add(static_cast<char>(unit));
     nonAscii_ = true;
+  } else if (unit >= 0x20 && unit < 0x7F) {
+    text_.Add(static_cast<char>(unit));
   } else {
     AppendCharacter(unit);
   }
@@ -278,22 +287,23 @@ void BlockBuilder::FlushCoded() {
 // Ends the run that the text since the last one makes up.
 void BlockBuilder::CloseRun() {
   FlushCoded();
-  if (text_.size() == runStart_) return;
+  if (text_.Size() == runStart_) return;
   if (nonAscii_) {
-    const std::string_view tail = std::string_view(text_).substr(runStart_);
+    const std::string_view tail = text_.View().substr(runStart_);
     if (!IsValidUtf8(tail)) {
-      std::string repaired = RepairUtf8(tail);
-      text_.replace(runStart_, std::string::npos, repaired);
+      const std::string repaired = RepairUtf8(tail);
+      text_.Truncate(runStart_);
+      text_.Add(repaired);
     }
     nonAscii_ = false;
   }
   Run run;
   run.begin = static_cast<std::uint32_t>(runStart_);
-  run.end = static_cast<std::uint32_t>(text_.size());
+  run.end = static_cast<std::uint32_t>(text_.Size());
   run.style = style_;
   run.link = link_;
   runs_.push_back(run);
-  runStart_ = text_.size();
+  runStart_ = text_.Size();
 }
 
 void BlockBuilder::SetStyle(const TextStyle &style) {
@@ -304,7 +314,7 @@ void BlockBuilder::SetStyle(const TextStyle &style) {
 
 void BlockBuilder::StartContent() {
   cellStart_ = 0;
-  text_.clear();
+  text_.Clear();
   runs_.clear();
   links_.clear();
   images_.clear();
@@ -318,7 +328,7 @@ void BlockBuilder::StartContent() {
 }
 
 Content BlockBuilder::CurrentContent() const {
-  return {text_, runs_, links_, images_};
+  return {text_.View(), runs_, links_, images_};
 }
 
 // -------------------------------------------------------------------- breaks
@@ -326,7 +336,7 @@ Content BlockBuilder::CurrentContent() const {
 void BlockBuilder::ControlCode(std::uint32_t code) {
   if (code == SO_CONTROL_TAB) {
     FlushCoded();
-    text_ += '\t';
+    text_.Add('\t');
   } else if (code == SO_CONTROL_CARD) {
     EndParagraph();
     cardSeparated_ = true;
@@ -361,13 +371,13 @@ void BlockBuilder::EndLine() {
   if (cardStarting_ && stream_->Offset() == cardOffset_) {
     CloseRun();
     if (!card_.title.empty()) card_.title += ' ';
-    card_.title += text_;
+    card_.title += text_.View();
     StartContent();
     return;
   }
   if (inTable_) {
     FlushCoded();
-    text_ += '\n';
+    text_.Add('\n');
     return;
   }
   CloseRun();
@@ -490,7 +500,7 @@ void BlockBuilder::CloseTable() {
   if (!inTable_) return;
   inTable_ = false;
   CloseRun();
-  if (AsciiPrefix(text_) != text_.size()) ScaleColumns();
+  if (AsciiPrefix(text_.View()) != text_.Size()) ScaleColumns();
   Table table;
   table.content = CurrentContent();
   table.cells = cells_;
@@ -515,7 +525,7 @@ void BlockBuilder::ScaleColumns() {
       if (cell.runCount == 0) continue;
       const std::uint32_t begin = runs_[cell.firstRun].begin;
       const std::uint32_t end = runs_[cell.firstRun + cell.runCount - 1].end;
-      const std::string_view text = std::string_view(text_).substr(begin, end - begin);
+      const std::string_view text = text_.View().substr(begin, end - begin);
       auto &[bytes, columns] = widest[column];
       bytes = std::max(bytes, text.size());
       columns = std::max(columns, ColumnWidth(text));
@@ -635,7 +645,7 @@ void BlockBuilder::InsertGraphic(const GraphicRecord &graphic) {
   image.width = graphic.width;
   image.height = graphic.height;
   Run run;
-  run.begin = run.end = static_cast<std::uint32_t>(text_.size());
+  run.begin = run.end = static_cast<std::uint32_t>(text_.Size());
   run.style = style_;
   run.link = link_;
   run.image = static_cast<std::uint32_t>(images_.size());

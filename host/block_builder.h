@@ -14,6 +14,7 @@
 #include "host/deck.h"
 #include "host/document.h"
 #include "host/stream.h"
+#include "host/text_buffer.h"
 
 namespace vs_wml {
 
@@ -48,14 +49,7 @@ class BlockBuilder {
     std::string target;
   };
 
-  void EmitUtf8(std::uint32_t unit) {
-    if (unit >= 0x20 && unit < 0x7F) {
-      text_ += static_cast<char>(unit);
-    } else {
-      EmitOther(unit);
-    }
-  }
-  void EmitOther(std::uint32_t unit);
+  [[gnu::noinline]] void EmitOther(std::uint32_t unit);
   void EmitCoded(std::uint32_t code);
   void SwitchCharset(std::uint32_t hostCharset);
   void AppendCharacter(char32_t character);
@@ -105,7 +99,7 @@ class BlockBuilder {
   bool nonAscii_ = false;       ///< the open run holds more than ASCII
 
   // The block.
-  std::string text_;
+  TextBuffer text_;
   std::vector<Run> runs_;
   std::vector<Link> links_;
   std::vector<Image> images_;

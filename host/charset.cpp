@@ -267,17 +267,13 @@ bool IsKnownCharset(std::string_view name) {
 
 DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
                               std::vector<std::string> &warnings) {
+  if (!option.empty()) return {std::string(option), CharsetOrigin::kOption, 0};
   DetectedCharset found;
   for (const Mark &mark : kMarks) {
     if (bytes.starts_with(mark.bytes)) {
       found = {mark.name, CharsetOrigin::kByteOrderMark, mark.bytes.size()};
       break;
     }
-  }
-  if (!option.empty()) {
-    found.name = option;
-    found.origin = CharsetOrigin::kOption;
-    return found;
   }
   if (found.markLength != 0) return found;
   for (const Mark &start : kSixteenBit) {

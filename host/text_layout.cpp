@@ -84,7 +84,10 @@ class LineBreaker {
 
   void Run() {
     const std::size_t whole = WithoutBlanks(text_, 0, text_.size());
-    // Bytes are never fewer than half the columns; most lines end here.
+    if (longWords_ == LongWords::kKeep && AsciiPrefix(text_) == text_.size()) {
+      RunAscii(whole);
+      return;
+    }
     const std::size_t columns = ColumnWidth(text_.substr(0, whole));
     if (columns <= width_) {
       lines_.push_back({offset_, offset_ + whole, columns});
@@ -100,6 +103,23 @@ class LineBreaker {
   }
 
  private:
+  // A byte is a column: the last blank that fits is looked for from the right.
+  void RunAscii(std::size_t whole) {
+    std::size_t begin = 0;
+    while (whole - begin > width_) {
+      std::size_t blank = text_.rfind(' ', begin + width_);
+      if (blank == std::string_view::npos || blank <= begin) {
+        blank = text_.find(' ', begin + width_);
+      }
+      if (blank >= whole) break;
+      const std::size_t end = WithoutBlanks(text_, begin, blank);
+      lines_.push_back({offset_ + begin, offset_ + end, end - begin});
+      begin = blank + 1;
+      while (text_[begin] == ' ') ++begin;
+    }
+    lines_.push_back({offset_ + begin, offset_ + whole, whole - begin});
+  }
+
   void Add(std::size_t begin, std::size_t end) {
     const std::size_t visible = WithoutBlanks(text_, begin, end);
     const std::size_t columns = ColumnWidth(text_.substr(begin, visible - begin));
