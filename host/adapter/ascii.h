@@ -1,0 +1,68 @@
+/// \file
+/// Character classes of markup: ASCII only, whatever the locale.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_ADAPTER_ASCII_H
+#define VS_WML_HOST_ADAPTER_ASCII_H
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace vs_wml {
+
+inline constexpr std::string_view kWhiteSpace = " \t\r\n";
+
+constexpr bool IsWhiteSpace(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+constexpr bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+constexpr char ToLower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr bool IsLetter(char c) {
+  return ToLower(c) >= 'a' && ToLower(c) <= 'z';
+}
+constexpr bool IsHexDigit(char c) {
+  return IsDigit(c) || (ToLower(c) >= 'a' && ToLower(c) <= 'f');
+}
+
+inline bool IsBlank(std::string_view text) {
+  return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
+}
+
+inline std::string_view Trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(kWhiteSpace);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+}
+
+inline bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return ToLower(x) == ToLower(y); });
+}
+
+inline std::string Lowered(std::string_view text) {
+  std::string lowered(text);
+  std::transform(lowered.begin(), lowered.end(), lowered.begin(), ToLower);
+  return lowered;
+}
+
+/// The text trimmed, each run of white space in it one space.
+inline std::string Collapsed(std::string_view text) {
+  std::string collapsed;
+  for (const char c : Trim(text)) {
+    if (!IsWhiteSpace(c)) {
+      collapsed += c;
+    } else if (collapsed.back() != ' ') {
+      collapsed += ' ';
+    }
+  }
+  return collapsed;
+}
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_ADAPTER_ASCII_H

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "host/adapter/deck_parts.h"
+
+#include <string_view>
+
+namespace vs_wml {
+namespace {
+
+struct TypeName {
+  std::string_view type;
+  const char *name;
+};
+
+constexpr TypeName kDoNames[] = {{"accept", "OK"},   {"prev", "Back"},       {"help", "Help"},
+                                 {"reset", "Reset"}, {"options", "Options"}, {"delete", "Delete"}};
+
+std::string EventLabel(const Action &event) {
+  if (event.type == "onenterforward") return "On entry";
+  if (event.type == "onenterbackward") return "On return";
+  if (event.type != "ontimer") return event.type;
+  if (event.delay == 0) return "On timer";
+  std::string label = "After " + std::to_string(event.delay / 10);
+  if (event.delay % 10 != 0) label += '.' + std::to_string(event.delay % 10);
+  return label + " s";
+}
+
+std::string OptionsText(const Field &field) {
+  std::string text;
+  std::size_t group = kNoIndex;
+  for (const FieldOption &option : field.options) {
+    if (option.group != group && option.group != kNoIndex) {
+      text += " " + field.groups[option.group] + ":";
+    }
+    group = option.group;
+    const char *mark = field.multiple ? (option.selected ? " [x] " : " [ ] ")
+                                      : (option.selected ? " (*) " : " ( ) ");
+    text += mark + option.label;
+  }
+  return text;
+}
+
+}  // namespace
+
+const char *UsualActionName(const std::string &type) {
+  for (const TypeName &entry : kDoNames) {
+    if (entry.type == type) return entry.name;
+  }
+  return nullptr;
+}
+
+std::string ActionLabel(const Action &action) {
+  if (!action.label.empty()) return action.label;
+  if (action.kind == ActionKind::kEvent) return EventLabel(action);
+  if (!action.title.empty()) return action.title;
+  if (const char *usual = UsualActionName(action.type)) return usual;
+  if (!action.type.empty() && action.type != "unknown") return action.type;
+  if (!action.name.empty()) return action.name;
+  if (action.task.kind == TaskKind::kPrevious) return "Back";
+  return action.task.target.empty() ? "OK" : action.task.target;
+}
+
+std::string FieldText(const Field &field) {
+  std::string text = "[" + (field.title.empty() ? field.name : field.title) + ":";
+  if (field.kind == FieldKind::kSelect) {
+    text += OptionsText(field);
+  } else if (field.value.empty()) {
+    text += " ____";
+  } else {
+    text += ' ' + (field.type == "password" ? std::string("****") : field.value);
+  }
+  return text + ']';
+}
+
+}  // namespace vs_wml

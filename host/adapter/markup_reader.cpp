@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: MIT
+#include "host/adapter/markup_reader.h"
+
+#include <algorithm>
+
+#include "host/adapter/ascii.h"
+
+namespace vs_wml {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::string_view kCdataStart = "<![CDATA[";
+
+constexpr bool IsNameCharacter(char c) {
+  return !IsWhiteSpace(c) && std::string_view("=/><\"'").find(c) == kNone;
+}
+
+constexpr bool IsNameStart(char c) {
+  return IsLetter(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+}  // namespace
+
+const std::string_view *Token::Find(std::string_view attribute) const {
+  for (const Attribute &entry : attributes) {
+    if (EqualIgnoringCase(entry.name, attribute)) return &entry.value;
+  }
+  return nullptr;
+}
+
+bool MarkupReader::Next(Token &token) {
+  token.attributes.clear();
+  token.empty = false;
+  while (position_ < document_.size()) {
+    token.offset = position_;
+    if (StartsMarkup(position_)) {
+      if (ReadMarkup(token)) return true;
+      continue;
+    }
+    std::size_t end = position_ + 1;
+    while ((end = document_.find('<', end)) != kNone && !StartsMarkup(end)) ++end;
+    end = std::min(end, document_.size());
+    token.kind = TokenKind::kText;
+    token.text = document_.substr(position_, end - position_);
+    position_ = end;
+    return true;
+  }
+  token.kind = TokenKind::kEnd;
+  return false;
+}
+
+void MarkupReader::Warn(const char *message) const {
+  if (warnings_ != nullptr) warnings_->Add(message, position_);
+}
+
+bool MarkupReader::StartsWith(std::size_t at, std::string_view prefix) const {
+  return document_.substr(at, prefix.size()) == prefix;
+}
+
+// A '<' that does not look like markup is text: "a < b".
+bool MarkupReader::StartsMarkup(std::size_t at) const {
+  if (document_[at] != '<' || at + 1 >= document_.size()) return false;
+  const char next = document_[at + 1];
+  if (next == '/') return at + 2 < document_.size() && IsNameStart(document_[at + 2]);
+  return IsNameStart(next) || next == '!' || next == '?' || next == '%' || IsLooseTag(at);
+}
+
+// "< br/>": a blank, a name and nothing else.
+bool MarkupReader::IsLooseTag(std::size_t at) const {
+  constexpr std::size_t kLongest = 16;
+  const std::string_view text = document_.substr(at + 1, kLongest);
+  const std::size_t end = text.find('>');
+  if (end == kNone || !IsWhiteSpace(text[0])) return false;
+  std::string_view inside = Trim(text.substr(0, end));
+  if (!inside.empty() && inside.back() == '/') inside = Trim(inside.substr(0, inside.size() - 1));
+  return !inside.empty() && std::all_of(inside.begin(), inside.end(), IsLetter);
+}
+
+// True when it gave a token, false when it was passed over.
+bool MarkupReader::ReadMarkup(Token &token) {
+  if (StartsWith(position_, kCdataStart)) return ReadCdata(token);
+  if (StartsWith(position_, "<!--")) {
+    SkipComment();
+    return false;
+  }
+  switch (document_[position_ + 1]) {
+    case '!':
+      SkipDeclaration();
+      return false;
+    case '?':
+      SkipUntil(position_ + 2, "?>", "a processing instruction does not end");
+      return false;
+    case '%':
+      Warn("server-side code was left out");
+      SkipUntil(position_ + 2, "%>", "server-side code does not end");
+      return false;
+    case '/':
+      ReadEndTag(token);
+      return true;
+    default:
+      ReadStartTag(token);
+      return true;
+  }
+}
+
+bool MarkupReader::ReadCdata(Token &token) {
+  const std::size_t start = position_ + kCdataStart.size();
+  const std::size_t end = FindOnce("]]>", start);
+  if (end == kNone) {
+    Warn("a CDATA section does not end");
+    position_ = start;
+    return false;
+  }
+  token.kind = TokenKind::kLiteral;
+  token.text = document_.substr(start, end - start);
+  position_ = end + 3;
+  return true;
+}
+
+// Comments end at "-->"; "-- >" and "--!>" are taken for it, too.
+void MarkupReader::SkipComment() {
+  for (std::size_t at = position_ + 4; (at = FindOnce("--", at)) != kNone; ++at) {
+    std::size_t end = at + 2;
+    if (end < document_.size() && document_[end] == '!') ++end;
+    end = document_.find_first_not_of(kWhiteSpace, end);
+    if (end != kNone && document_[end] == '>') {
+      position_ = end + 1;
+      return;
+    }
+    if (end == kNone) break;
+  }
+  absent_.push_back("--");
+  Warn("a comment does not end");
+  SkipToTagEnd();
+}
+
+// A document type may have an internal subset in brackets.
+void MarkupReader::SkipDeclaration() {
+  const std::size_t end = document_.find_first_of("[>", position_);
+  if (end == kNone || document_[end] == '>') {
+    SkipToTagEnd();
+    return;
+  }
+  for (std::size_t at = end; (at = FindOnce("]", at + 1)) != kNone;) {
+    const std::size_t close = document_.find_first_not_of(kWhiteSpace, at + 1);
+    if (close != kNone && document_[close] == '>') {
+      position_ = close + 1;
+      return;
+    }
+  }
+  Warn("a declaration does not end");
+  SkipToTagEnd();
+}
+
+void MarkupReader::SkipUntil(std::size_t from, std::string_view end, const char *warning) {
+  const std::size_t found = FindOnce(end, from);
+  if (found != kNone) {
+    position_ = found + end.size();
+    return;
+  }
+  Warn(warning);
+  SkipToTagEnd();
+}
+
+void MarkupReader::SkipToTagEnd() {
+  const std::size_t end = document_.find('>', position_);
+  position_ = end == kNone ? document_.size() : end + 1;
+}
+
+void MarkupReader::ReadEndTag(Token &token) {
+  token.kind = TokenKind::kEndTag;
+  position_ += 2;
+  token.name = ReadName();
+  const std::size_t end = document_.find_first_of("<>", position_);
+  if (end == kNone || document_[end] == '<') Warn("a tag does not end");
+  position_ = end == kNone ? document_.size() : end + (document_[end] == '>' ? 1 : 0);
+}
+
+void MarkupReader::ReadStartTag(Token &token) {
+  token.kind = TokenKind::kStartTag;
+  ++position_;
+  SkipWhiteSpace();
+  token.name = ReadName();
+  while (true) {
+    SkipWhiteSpace();
+    if (position_ == document_.size() || document_[position_] == '<') {
+      Warn("a tag does not end");
+      return;
+    }
+    switch (document_[position_]) {
+      case '>':
+        ++position_;
+        return;
+      case '/':
+        token.empty = StartsWith(position_, "/>");
+        ++position_;
+        break;
+      case '=':
+      case '"':
+      case '\'':
+        ++position_;
+        break;
+      default:
+        ReadAttribute(token);
+    }
+  }
+}
+
+void MarkupReader::ReadAttribute(Token &token) {
+  Attribute attribute;
+  attribute.name = ReadName();
+  SkipWhiteSpace();
+  if (position_ < document_.size() && document_[position_] == '=') {
+    ++position_;
+    SkipWhiteSpace();
+    attribute.value = ReadValue(token);
+  }
+  token.attributes.push_back(attribute);
+}
+
+std::string_view MarkupReader::ReadValue(const Token &token) {
+  if (position_ == document_.size()) return {};
+  std::string_view value;
+  if (document_[position_] == '"' || document_[position_] == '\'') {
+    if (ReadQuotedValue(value)) return value;
+    Warn("the value of an attribute has no closing quote");
+    ++position_;
+  }
+  std::size_t end = position_;
+  while (end < document_.size() && !IsWhiteSpace(document_[end]) && document_[end] != '<' &&
+         document_[end] != '>') {
+    ++end;
+  }
+  // A slash before the '>' belongs to the tag, except that `<a href=dir/>` has a text.
+  const bool slash = end < document_.size() && document_[end] == '>' && end > position_ &&
+                     document_[end - 1] == '/' && !EqualIgnoringCase(token.name, "a");
+  if (slash) --end;
+  value = document_.substr(position_, end - position_);
+  position_ = end;
+  return value;
+}
+
+// A value that holds '<' or '>' and is followed by something else than the next
+// attribute was opened by a quote that nobody closed: the "closing" quote opens another.
+bool MarkupReader::ReadQuotedValue(std::string_view &value) {
+  const std::size_t start = position_ + 1;
+  const std::size_t end = FindOnce(document_.substr(position_, 1), start);
+  if (end == kNone) return false;
+  value = document_.substr(start, end - start);
+  const char next = end + 1 < document_.size() ? document_[end + 1] : ' ';
+  if (!IsWhiteSpace(next) && next != '/' && next != '>' && value.find_first_of("<>") != kNone) {
+    return false;
+  }
+  position_ = end + 1;
+  return true;
+}
+
+std::string_view MarkupReader::ReadName() {
+  const std::size_t start = position_;
+  while (position_ < document_.size() && IsNameCharacter(document_[position_])) ++position_;
+  return document_.substr(start, position_ - start);
+}
+
+void MarkupReader::SkipWhiteSpace() {
+  position_ = std::min(document_.find_first_not_of(kWhiteSpace, position_), document_.size());
+}
+
+// `what` from `from` on; what is not found is not looked for again. Positions never go
+// back behind an earlier search that failed.
+std::size_t MarkupReader::FindOnce(std::string_view what, std::size_t from) {
+  if (std::find(absent_.begin(), absent_.end(), what) != absent_.end()) return kNone;
+  const std::size_t found = document_.find(what, from);
+  if (found == kNone) absent_.push_back(what);
+  return found;
+}
+
+}  // namespace vs_wml

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "host/adapter/references.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include "host/adapter/ascii.h"
+#include "host/entities.h"
+#include "host/utf8.h"
+
+namespace vs_wml {
+namespace {
+
+constexpr std::size_t kLongestName = 8;
+
+struct NamedCharacter {
+  std::string_view name;
+  char32_t character;
+};
+
+constexpr NamedCharacter kXmlNames[] = {
+    {"lt", U'<'}, {"gt", U'>'}, {"amp", U'&'}, {"quot", U'"'}, {"apos", U'\''}};
+
+// The windows-1252 characters of 128 to 159; 0: none.
+constexpr std::array<std::uint16_t, 32> kWindows1252 = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+constexpr bool IsHighSurrogate(char32_t c) {
+  return c >= 0xD800 && c < 0xDC00;
+}
+constexpr bool IsLowSurrogate(char32_t c) {
+  return c >= 0xDC00 && c < 0xE000;
+}
+
+std::size_t NameEnd(std::string_view text) {
+  std::size_t end = 1;
+  while (end < text.size() && (IsLetter(text[end]) || IsDigit(text[end]))) ++end;
+  return end;
+}
+
+CharacterReference ReadNamed(std::string_view text, ReferencePlace place) {
+  // The five names of XML count as soon as they are complete in text.
+  for (const NamedCharacter &entry : kXmlNames) {
+    if (text.substr(1, entry.name.size()) != entry.name) continue;
+    const std::size_t end = 1 + entry.name.size();
+    if (end < text.size() && text[end] == ';') return {entry.character, end + 1};
+    if (place == ReferencePlace::kText) return {entry.character, end};
+  }
+  const std::size_t end = NameEnd(text.substr(0, kLongestName + 2));
+  const bool terminated = end < text.size() && text[end] == ';';
+  if (!terminated && place == ReferencePlace::kAttribute) return {};
+  const char32_t character = FindEntity(text.substr(1, end - 1));
+  if (character == 0) return {};
+  return {character, end + (terminated ? 1 : 0)};
+}
+
+// The number itself, whatever it means.
+CharacterReference ReadNumber(std::string_view text) {
+  std::size_t at = 2;
+  const bool marked = at < text.size() && ToLower(text[at]) == 'x';
+  if (marked) ++at;
+  std::size_t end = at;
+  bool decimal = !marked;
+  for (; end < text.size() && IsHexDigit(text[end]); ++end) decimal &= IsDigit(text[end]);
+  const bool terminated = end < text.size() && text[end] == ';';
+  if (!marked && !decimal && !terminated) {
+    // Letters right behind the digits are text; `&#e4;` is a number that lacks its x.
+    end = at;
+    while (end < text.size() && IsDigit(text[end])) ++end;
+    decimal = true;
+  }
+  if (end == at) return {};
+  const std::uint32_t base = decimal ? 10 : 16;
+  std::uint32_t value = 0;
+  for (; at < end; ++at) {
+    const char c = ToLower(text[at]);
+    const auto digit = static_cast<std::uint32_t>(IsDigit(c) ? c - '0' : c - 'a' + 10);
+    value = std::min<std::uint32_t>(value * base + digit, 0x110000);
+  }
+  return {value, end + (terminated ? 1 : 0)};
+}
+
+CharacterReference ReadNumeric(std::string_view text) {
+  CharacterReference reference = ReadNumber(text);
+  if (reference.length == 0) return {};
+  char32_t &c = reference.character;
+  if (IsHighSurrogate(c) && text.substr(reference.length, 2) == "&#") {
+    const CharacterReference low = ReadNumber(text.substr(reference.length));
+    if (low.length != 0 && IsLowSurrogate(low.character)) {
+      c = 0x10000 + ((c - 0xD800) << 10U) + (low.character - 0xDC00);
+      reference.length += low.length;
+    }
+  }
+  if (c >= 0x80 && c < 0xA0) c = kWindows1252[c - 0x80];
+  if (c == 0 || c > 0x10FFFF || IsHighSurrogate(c) || IsLowSurrogate(c)) c = kReplacementCharacter;
+  return reference;
+}
+
+}  // namespace
+
+CharacterReference ReadReference(std::string_view text, ReferencePlace place) {
+  if (text.size() < 2) return {};
+  return text[1] == '#' ? ReadNumeric(text) : ReadNamed(text, place);
+}
+
+std::size_t NamedReferenceLength(std::string_view text) {
+  const std::size_t end = NameEnd(text.substr(0, kLongestName + 2));
+  if (end < 2 || end > kLongestName + 1 || !IsLetter(text[1])) return 0;
+  return end < text.size() && text[end] == ';' ? end + 1 : 0;
+}
+
+std::string DecodeAttribute(std::string_view raw) {
+  std::string value;
+  value.reserve(raw.size());
+  for (std::size_t at = 0; at < raw.size();) {
+    char32_t character = static_cast<unsigned char>(raw[at]);
+    std::size_t length = 1;
+    if (raw[at] == '&') {
+      const CharacterReference reference =
+          ReadReference(raw.substr(at), ReferencePlace::kAttribute);
+      if (reference.length != 0) {
+        character = reference.character;
+        length = reference.length;
+      }
+    }
+    if (length > 1) {
+      if (!IsControl(character))
+        AppendUtf8(value, character);
+      else if (character == '\t' || character == '\n' || character == '\r')
+        value += ' ';
+    } else if (IsWhiteSpace(raw[at])) {
+      value += ' ';
+    } else if (character >= 0x20) {
+      value += raw[at];
+    }
+    at += length;
+  }
+  return value;
+}
+
+}  // namespace vs_wml

@@ -1,0 +1,132 @@
+/// \file
+/// Writes the markup that is served to the filter.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_ADAPTER_SERVED_WRITER_H
+#define VS_WML_HOST_ADAPTER_SERVED_WRITER_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/adapter/deck_parts.h"
+
+namespace vs_wml {
+
+/// What a link or a picture in the served markup stands for.
+enum class ServedKind : char {
+  kAction = 'a',  ///< index into DeckParts::actions
+  kField = 'f',   ///< index into DeckParts::fields; the text of the link is FieldText
+  kPicture = 'p'  ///< index into DeckParts::pictures
+};
+
+struct ServedReference {
+  ServedKind kind = ServedKind::kAction;
+  std::size_t index = 0;
+};
+
+/// The target that is served for a reference. All targets and sources in served markup
+/// have this form: what the document says stands in the DeckParts, where it has no limit of
+/// length and no forbidden characters, and cannot pass for a reference.
+std::string ServedTarget(const ServedReference &reference);
+
+/// ` name="value"`, empty when the value is.
+std::string ServedAttribute(std::string_view name, std::string_view value);
+
+/// The reference of a target, nothing when it does not have the form.
+std::optional<ServedReference> ParseServedTarget(std::string_view target);
+
+enum class Style : std::uint8_t { kB, kBig, kEm, kI, kPre, kSmall, kStrong, kU };
+inline constexpr std::size_t kStyleCount = 8;
+
+/// Writes markup in which every element is closed, none is nested in one of its own
+/// kind, and no text can be taken for markup. White space is kept as it comes, but put
+/// outside of links.
+class ServedWriter {
+ public:
+  explicit ServedWriter(std::string &served) : served_(served) {}
+
+  void BeginDeck() { served_ += "<wml>"; }
+  void EndDeck() { served_ += "</wml>"; }
+  void BeginCard();
+  /// Closes all that is open in the card.
+  void CloseAll();
+  void EndCard();
+
+  /// Text without markup; white space and control characters are taken care of.
+  void Text(std::string_view text);
+  /// A reference that the filter resolves, "&alpha;".
+  void NamedReference(std::string_view reference);
+  /// A blank that stays one even where white space is collapsed.
+  void FixedBlank() { NamedReference("&#32;"); }
+
+  void OpenStyle(Style style);
+  void CloseStyle(Style style);
+
+  /// `attributes` are written as they are, here as below: ` name="value"`.
+  void Paragraph(std::string_view attributes);
+  void EndParagraph() { paragraphEnded_ = true; }
+  void LineBreak();
+  void Image(std::size_t picture, std::string_view attributes);
+
+  /// The link is written with its first content, and interrupted where links cannot be.
+  void OpenLink(std::size_t action);
+  void CloseLink();
+  bool InLink() const { return link_ != kNoIndex; }
+  /// Whether the open link has content so far.
+  bool LinkHasContent() const { return linkHasContent_; }
+
+  /// A link of its own in the text; one that stands in a table but in no cell comes
+  /// behind the table.
+  void Marker(const ServedReference &reference, std::string_view text);
+
+  void OpenTable(std::size_t columns, std::string_view attributes);
+  void OpenRow();
+  void OpenCell();
+  void CloseCell() { CloseStructure(Element::kCell); }
+  void CloseRow() { CloseStructure(Element::kRow); }
+  void CloseTable();
+  bool InTable() const { return IsOpen(Element::kTable); }
+  bool InCell() const { return IsOpen(Element::kCell); }
+  bool Preformatted() const { return styleDepth_[static_cast<std::size_t>(Style::kPre)] != 0; }
+
+ private:
+  enum class Element : std::uint8_t { kStyle, kLink, kTable, kRow, kCell, kCard };
+  struct Open {
+    Element element;
+    Style style;  // of kStyle
+  };
+
+  bool IsOpen(Element element) const;
+  void StartParagraph();
+  void BeforeContent();
+  void FlushWhiteSpace();
+  void WriteStyleTag(Style style, bool end);
+  void WriteEnd(const Open &open);
+  bool CloseInline(Element element, Style style);
+  void CloseStructure(Element element);
+  void InterruptLink();
+  void WriteMarker(const ServedReference &reference, std::string_view text);
+
+  std::string &served_;
+  std::string whiteSpace_;  // not yet written: it belongs before what comes next
+  std::vector<Open> open_;
+  std::array<std::uint32_t, kStyleCount> styleDepth_{};  // elements of a style that are open
+  std::size_t link_ = kNoIndex;                          // the action of the open link
+  bool linkHasContent_ = false;
+  bool paragraphEnded_ = false;  // what comes next starts a paragraph
+
+  struct Deferred {
+    ServedReference reference;
+    std::string text;
+  };
+  std::vector<Deferred> deferred_;
+};
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_ADAPTER_SERVED_WRITER_H
