@@ -9,6 +9,7 @@ set(VS_WML_SOURCES
     filter/instance.cpp
     filter/read_loop.cpp
     filter/stream.cpp
+    filter/text_run.cpp
     format/style.cpp
     format/tag_stack.cpp
     format/typeface.cpp
@@ -19,6 +20,7 @@ set(VS_WML_SOURCES
     lexer/name_lookup.cpp
     lexer/reference.cpp
     lexer/tag_reader.cpp
+    lexer/tag_scan.cpp
     lexer/word_reader.cpp
     support/heap.cpp
     tables/column_widths.cpp

@@ -1,5 +1,7 @@
 #include "data/vsd_wml.h"
 
+#include "data/name_index.h"
+
 namespace {
 
 constexpr uint32_t TagCode(uint32_t id, uint32_t tagClass, uint32_t styleTemplate) {
@@ -12,7 +14,7 @@ constexpr uint32_t EscapeAction(uint32_t flags, uint32_t charset = 0) {
 
 }  // namespace
 
-extern const WmlInitTables WmlInit = {
+constexpr WmlInitTables WmlInit = {
     .keywords =
         {
             {0, "roman"},
@@ -411,3 +413,42 @@ constexpr WmlOverlayRecord WmlOverlayId[VW_OVERLAY_COUNT] = {
     {},
     {},
 };
+
+namespace {
+
+template <size_t slotCount, size_t rowCount>
+constexpr NameIndex<slotCount> MakeIndex(const NameRecord (&table)[rowCount]) {
+  static_assert(slotCount >= 2 * rowCount);
+  NameIndex<slotCount> index = {};
+  for (const NameRecord &record : table) {
+    size_t length = 0;
+    while (record.name[length] != 0) ++length;
+    if (length > 0 && length <= NAME_KEY_MAX) {
+      index.Add(NameKey(record.name, length), record.value & 0xFFFF);
+    }
+  }
+  return index;
+}
+
+template <size_t rowCount>
+constexpr bool FitsKeys(const NameRecord (&table)[rowCount]) {
+  for (const NameRecord &record : table) {
+    for (size_t length = 0; record.name[length] != 0; ++length) {
+      if (length == NAME_KEY_MAX) return false;
+    }
+  }
+  return true;
+}
+
+static_assert(FitsKeys(WmlInit.tags) && FitsKeys(WmlInit.entities));
+
+}  // namespace
+
+// A tag's value carries its class above its id.
+constexpr NameIndex<64> TAG_INDEX = [] {
+  NameIndex<64> index = MakeIndex<64>(WmlInit.tags);
+  for (uint16_t &value : index.values) value &= 0xFF;
+  return index;
+}();
+constexpr NameIndex<128> ATTRIBUTE_INDEX = MakeIndex<128>(WmlInit.attributes);
+constexpr NameIndex<1024> ENTITY_INDEX = MakeIndex<1024>(WmlInit.entities);

@@ -3,6 +3,7 @@
 #include "elements/paragraph.h"
 #include "elements/tag_processing.h"
 #include "filter/callbacks.h"
+#include "filter/text_run.h"
 #include "format/style.h"
 #include "format/tag_stack.h"
 #include "input/charset.h"
@@ -138,6 +139,7 @@ void ReadItems(char *text, WmlProc *proc) {
   ItemRecord item;
   uint16_t ch;
   while (proc->stopFlags == 0) {
+    SendTextRun(proc);
     ReadNextItem(&item, &ch, text, proc);
     if (proc->stopFlags == 0) HandleItem(&item, ch, text, proc);
   }

@@ -1,15 +1,28 @@
 #include "input/char_buffer.h"
 
 #include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr uint16_t kPastMax = 32768;
+
+// Leaves the buffer without bytes, to be refilled from `position`.
+void Empty(uint32_t position, VwCharBuffer *buffer) {
+  buffer->start = position;
+  buffer->past = 0;
+  buffer->next = buffer->end = buffer->data;
+  buffer->data[0] = 0;
+}
+
+}  // namespace
 
 VwCharBuffer *VwBlockToChar(VwHandle block) {
   auto *buffer = static_cast<VwCharBuffer *>(std::malloc(sizeof(VwCharBuffer)));
   if (buffer == nullptr) return nullptr;
-  buffer->count = 0;
-  buffer->length = 0;
-  buffer->start = 0;
-  buffer->next = buffer->data;
+  Empty(0, buffer);
   buffer->block = reinterpret_cast<VwBlockHandle *>(block);
+  std::memset(buffer->data, 0, sizeof buffer->data);
   return buffer;
 }
 
@@ -21,61 +34,48 @@ VwHandle VwCharToBlock(VwCharBuffer *buffer) {
 
 namespace {
 
-void MoveHostTo(uint32_t position, VwBlockHandle *block, VwHandle handle) {
-  uint32_t current = ~position;
-  block->tell(handle, &current);
-  if (current != position) block->seek(handle, SEEK_FROM_START, position);
+// A handle of the host as a record and as the word that its routines take.
+VwHandle HandleOf(VwBlockHandle *block) {
+  return reinterpret_cast<VwHandle>(block);
+}
+
+// Asks the host for a buffer of bytes at buffer->start; how many it got.
+uint32_t ReadBlock(VwCharBuffer *buffer) {
+  VwBlockHandle *block = buffer->block;
+  if (block == nullptr) return 0;
+  uint32_t position = ~buffer->start;
+  block->tell(HandleOf(block), &position);
+  if (position != buffer->start) block->seek(HandleOf(block), SEEK_FROM_START, buffer->start);
+  uint32_t delivered = 0;
+  if (block->read(HandleOf(block), buffer->data, CHAR_BUFFER_SIZE, &delivered) != 0) return 0;
+  return delivered < CHAR_BUFFER_SIZE ? delivered : CHAR_BUFFER_SIZE;
 }
 
 }  // namespace
 
 int vxfilbuf(VwCharBuffer *buffer) {
-  buffer->start += buffer->length;
-  buffer->length = 0;
-  VwBlockHandle *block = buffer->block;
-  if (block == nullptr) return -1;
-  const auto handle = reinterpret_cast<VwHandle>(block);
-  MoveHostTo(buffer->start, block, handle);
-  uint32_t delivered = 0;
-  if (block->read(handle, buffer->data, CHAR_BUFFER_SIZE, &delivered) != 0) return -1;
-  if (delivered == 0) return -1;
-  buffer->length = delivered < CHAR_BUFFER_SIZE ? delivered : CHAR_BUFFER_SIZE;
-  buffer->count = static_cast<int16_t>(buffer->length - 1);
-  buffer->next = buffer->data + 1;
-  return buffer->data[0];
-}
-
-namespace {
-
-// The position that lies `offset` from the end of the document.
-bool HostPositionFromEnd(VwBlockHandle *block, uint32_t offset, uint32_t *position) {
-  if (block == nullptr) return false;
-  const auto handle = reinterpret_cast<VwHandle>(block);
-  return block->seek(handle, SEEK_FROM_END, offset) == 0 && block->tell(handle, position) == 0;
-}
-
-}  // namespace
-
-int VwCharSeek(VwCharBuffer *buffer, uint32_t offset, int16_t origin) {
-  uint32_t target = offset;
-  if (origin == SEEK_FROM_HERE) {
-    target += VwCharTell(buffer);
-  } else if (origin == SEEK_FROM_END && !HostPositionFromEnd(buffer->block, offset, &target)) {
+  const auto past = static_cast<uint16_t>(buffer->past < kPastMax ? buffer->past + 1 : kPastMax);
+  Empty(VwCharPosition(buffer, buffer->end), buffer);
+  const uint32_t length = ReadBlock(buffer);
+  if (length == 0) {
+    buffer->past = past;
     return -1;
   }
+  buffer->end = buffer->data + length;
+  buffer->data[length] = 0;
+  return *buffer->next++;
+}
+
+int VwCharSeek(VwCharBuffer *buffer, uint32_t offset, int16_t origin) {
+  const uint32_t target = origin == SEEK_FROM_HERE ? offset + VwCharTell(buffer) : offset;
   const uint32_t into = target - buffer->start;
-  if (into < buffer->length) {
-    buffer->count = static_cast<int16_t>(buffer->length - into);
+  if (into < static_cast<uint32_t>(buffer->end - buffer->data)) {
     buffer->next = buffer->data + into;
+    buffer->past = 0;
     return 0;
   }
-  buffer->length = 0;
-  buffer->count = 0;
-  buffer->next = buffer->data;
-  buffer->start = target;
-  if (buffer->block == nullptr) return -1;
-  return buffer->block->seek(reinterpret_cast<VwHandle>(buffer->block), SEEK_FROM_START, target) ==
-                 0
-             ? 0
-             : -1;
+  Empty(target, buffer);
+  VwBlockHandle *block = buffer->block;
+  const bool moved = block != nullptr && block->seek(HandleOf(block), SEEK_FROM_START, target) == 0;
+  return moved ? 0 : -1;
 }

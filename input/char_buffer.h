@@ -1,13 +1,14 @@
 // The buffered byte reader over the host's block handle.
 //
-//   document   0 .......... start ............ start + length ........ end
-//   data                      |  read  |  count to read  |
-//                                      ^ next
+//   document   0 ....... start .......................... end
+//                        |                                |
+//   data                 [ bytes read  |  bytes to read   ]
+//                                      next               end
 //
-// The position of the next byte is start + length - count. A read that finds the
-// buffer exhausted takes count below 0 before it refills; at the end of the
-// document count stays there, so that the position is one past the end for every
-// such read, and stepping back as many bytes returns exactly to the end.
+// The position of the next byte is start + (next - data) + past. A read that finds
+// the buffer exhausted counts in `past` before it refills; at the end of the document
+// it stays counted, so that every such read moves the position one further, and
+// stepping back as many bytes returns exactly to the end.
 #ifndef VS_WML_INPUT_CHAR_BUFFER_H
 #define VS_WML_INPUT_CHAR_BUFFER_H
 
@@ -16,19 +17,19 @@
 #include "filter/vs_wml.h"
 
 inline constexpr uint32_t CHAR_BUFFER_SIZE = 2048;
+inline constexpr uint32_t CHAR_BUFFER_SLACK = 8;  // a word can be loaded at any byte
 
 struct VwCharBuffer {
-  int16_t count;         // bytes to read at next; stops at -32768
-  uint32_t length;       // valid bytes in data
-  uint32_t start;        // document position of data[0]
   const uint8_t *next;   // the next byte to read
+  const uint8_t *end;    // behind the last byte of data, on a NUL
+  uint32_t start;        // document position of data[0]
+  uint16_t past;         // reads that met the end of the document; stops at 32768
   VwBlockHandle *block;  // the host's handle
-  uint8_t data[CHAR_BUFFER_SIZE];
+  uint8_t data[CHAR_BUFFER_SIZE + CHAR_BUFFER_SLACK];
 };
 
 inline constexpr int16_t SEEK_FROM_START = 0;
 inline constexpr int16_t SEEK_FROM_HERE = 1;
-inline constexpr int16_t SEEK_FROM_END = 2;
 
 // A new, empty buffer over a block handle; null when the heap is exhausted.
 VwCharBuffer *VwBlockToChar(VwHandle block);
@@ -36,38 +37,27 @@ VwCharBuffer *VwBlockToChar(VwHandle block);
 // Frees the buffer and returns the block handle.
 VwHandle VwCharToBlock(VwCharBuffer *buffer);
 
-// Refills the buffer behind the bytes it holds and returns the first byte read,
-// -1 at the end of the document or when the host's read fails.
+// Refills the exhausted buffer and returns the first byte read, -1 at the end of the
+// document or when the host's read fails.
 int vxfilbuf(VwCharBuffer *buffer);
 
 // The next byte, 0..255, or -1.
 inline int VwCharRead(VwCharBuffer *buffer) {
-  if (buffer->count > 0) {
-    --buffer->count;
-    return *buffer->next++;
-  }
-  if (buffer->count > INT16_MIN) --buffer->count;
-  return vxfilbuf(buffer);
+  return buffer->next != buffer->end ? *buffer->next++ : vxfilbuf(buffer);
+}
+
+// Document position of a byte of the buffer.
+inline uint32_t VwCharPosition(const VwCharBuffer *buffer, const uint8_t *byte) {
+  return buffer->start + static_cast<uint32_t>(byte - buffer->data);
 }
 
 // Position of the next byte.
 inline uint32_t VwCharTell(const VwCharBuffer *buffer) {
-  return buffer->start + buffer->length - static_cast<uint32_t>(int32_t{buffer->count});
+  return VwCharPosition(buffer, buffer->next) + buffer->past;
 }
 
-// Moves to an offset from the start, from here (modulo 2^32) or from the end; 0, or
-// -1 when the host's seek failed.
+// Moves to an offset from the start or, modulo 2^32, from here; 0, or -1 when the
+// host's seek failed. The host is asked only when the buffer does not hold the place.
 int VwCharSeek(VwCharBuffer *buffer, uint32_t offset, int16_t origin);
-
-// The unread bytes in the buffer: [next, VwCharEnd).
-inline const uint8_t *VwCharEnd(const VwCharBuffer *buffer) {
-  return buffer->count > 0 ? buffer->next + buffer->count : buffer->next;
-}
-
-// Moves next forward or back within the buffer, to a place up to VwCharEnd.
-inline void VwCharAdvance(VwCharBuffer *buffer, const uint8_t *to) {
-  buffer->count = static_cast<int16_t>(buffer->count - (to - buffer->next));
-  buffer->next = to;
-}
 
 #endif  // VS_WML_INPUT_CHAR_BUFFER_H

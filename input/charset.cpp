@@ -62,19 +62,20 @@ uint16_t QueryCharsetTable(const char *name) {
   return record != nullptr ? static_cast<uint16_t>(record->value) : CHARSET_UTF8;
 }
 
-bool IsLeadByte(uint16_t charset, unsigned byte) {
-  const auto in = [byte](unsigned first, unsigned last) { return byte >= first && byte <= last; };
+uint8_t LeadSet(uint16_t charset) {
   switch (charset) {
     case CHARSET_SJIS:
-      return in(0x81, 0x9F) || in(0xE0, 0xFC);
+      return LEAD_SJIS;
     case CHARSET_BIG5:
-      return in(0xA1, 0xC6) || in(0xC9, 0xF9);
+      return LEAD_BIG5;
     case CHARSET_GB2312:
-      return in(0xA1, 0xA9) || in(0xB0, 0xF7);
+      return LEAD_GB2312;
     case CHARSET_KSC5601:
-      return in(0xA1, 0xAC) || in(0xB0, 0xC8) || in(0xCA, 0xFD);
+      return LEAD_KSC5601;
+    case CHARSET_EUC_JP:
+      return LEAD_EUC_JP;
     default:
-      return false;
+      return 0;
   }
 }
 

@@ -13,9 +13,39 @@ uint32_t MapCSToSO(uint16_t charset);
 // is not known.
 uint16_t QueryCharsetTable(const char *name);
 
-// True for a byte that starts a two-byte code of a multi-byte charset that is
-// passed on as it is (Shift-JIS, Big5, GB 2312, KS C 5601).
-bool IsLeadByte(uint16_t charset, unsigned byte);
+// For each byte from 0x80 on, the sets in which it starts a two-byte code.
+inline constexpr uint8_t LEAD_SJIS = 0x01;
+inline constexpr uint8_t LEAD_BIG5 = 0x02;
+inline constexpr uint8_t LEAD_GB2312 = 0x04;
+inline constexpr uint8_t LEAD_KSC5601 = 0x08;
+inline constexpr uint8_t LEAD_EUC_JP = 0x10;
+
+struct LeadBytes {
+  uint8_t of[128];
+};
+
+constexpr LeadBytes LEAD_BYTES = [] {
+  constexpr struct {
+    uint8_t set, first, last;
+  } kRanges[] = {
+      {LEAD_SJIS, 0x81, 0x9F},    {LEAD_SJIS, 0xE0, 0xFC},    {LEAD_BIG5, 0xA1, 0xC6},
+      {LEAD_BIG5, 0xC9, 0xF9},    {LEAD_GB2312, 0xA1, 0xA9},  {LEAD_GB2312, 0xB0, 0xF7},
+      {LEAD_KSC5601, 0xA1, 0xAC}, {LEAD_KSC5601, 0xB0, 0xC8}, {LEAD_KSC5601, 0xCA, 0xFD},
+      {LEAD_EUC_JP, 0xA1, 0xFE},
+  };
+  LeadBytes leads = {};
+  for (const auto &range : kRanges) {
+    for (int b = range.first; b <= range.last; ++b) leads.of[b - 0x80] |= range.set;
+  }
+  return leads;
+}();
+
+// The LEAD_ bit of a charset, 0 for one without lead bytes.
+uint8_t LeadSet(uint16_t charset);
+
+inline bool IsLeadByte(uint8_t leadSet, unsigned byte) {
+  return byte >= 0x80 && (LEAD_BYTES.of[byte - 0x80] & leadSet) != 0;
+}
 
 // Decodes with that charset from now on and tells the host.
 void SwitchCharset(uint16_t charset, WmlProc *proc);

@@ -20,13 +20,8 @@ uint16_t JisToShiftJis(int j1, int j2) {
   return static_cast<uint16_t>(s1 << 8 | (s2 & 0xFF));
 }
 
-// A pair that the end of the input cuts off is 0.
-uint16_t ReadEucPair(int lead, VwCharBuffer *input) {
-  const int second = VwCharRead(input);
-  return second < 0 ? uint16_t{0} : JisToShiftJis(lead - 0x80, second - 0x80);
-}
-
-// So is a pair whose first byte is outside the code table.
+// A pair that the end of the input cuts off is 0, and so is one whose first byte is
+// outside the code table.
 uint16_t ReadJisPair(int first, VwCharBuffer *input) {
   const int second = VwCharRead(input);
   if (second < 0 || first < 0x21 || first > 0x7E) return 0;
@@ -36,12 +31,9 @@ uint16_t ReadJisPair(int first, VwCharBuffer *input) {
 uint16_t DecodeMultiByte(int byte, WmlProc *proc) {
   const uint16_t charset = proc->save.curCharset;
   if (charset == CHARSET_JIS_X0208) return ReadJisPair(byte, proc->input);
-  if (charset == CHARSET_EUC_JP) {
-    return byte >= 0xA1 && byte <= 0xFE ? ReadEucPair(byte, proc->input)
-                                        : static_cast<uint16_t>(byte);
-  }
-  if (!IsLeadByte(charset, static_cast<unsigned>(byte))) return static_cast<uint16_t>(byte);
-  return static_cast<uint16_t>(byte << 8 | (VwCharRead(proc->input) & 0xFF));
+  const uint8_t leadSet = LeadSet(charset);
+  if (!IsLeadByte(leadSet, static_cast<unsigned>(byte))) return static_cast<uint16_t>(byte);
+  return DecodePair(leadSet, byte, VwCharRead(proc->input));
 }
 
 // Switches to what the action names; false when that is nothing.
@@ -104,6 +96,13 @@ static_assert(IsCharsetControl(kShiftOut) && IsCharsetControl(kShiftIn) &&
               IsCharsetControl(kEscape));
 
 }  // namespace
+
+// Of a pair that the end of the input cuts off, the missing byte is 0xFF; in EUC-JP the
+// whole pair is 0.
+uint16_t DecodePair(uint8_t leadSet, int lead, int second) {
+  if (leadSet != LEAD_EUC_JP) return static_cast<uint16_t>(lead << 8 | (second & 0xFF));
+  return second < 0 ? uint16_t{0} : JisToShiftJis(lead - 0x80, second - 0x80);
+}
 
 uint16_t WMLGetChar(WmlProc *proc) {
   if (proc->stopFlags & STOP_END_OF_INPUT) return CHAR_END;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "filter/instance.h"
+#include "input/charset.h"
 
 inline constexpr uint16_t CHAR_END = 0xFFFF;  // WMLGetChar: the end of the input
 
@@ -13,6 +14,9 @@ inline constexpr uint16_t CHAR_END = 0xFFFF;  // WMLGetChar: the end of the inpu
 // sequence, or CHAR_END, which sets STOP_END_OF_INPUT and is given from then on
 // without reading.
 uint16_t WMLGetChar(WmlProc *proc);
+
+// The character of a lead byte and the byte behind it.
+uint16_t DecodePair(uint8_t leadSet, int lead, int second);
 
 // Steps back over that many bytes.
 inline void PushBack(uint32_t bytes, WmlProc *proc) {

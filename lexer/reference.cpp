@@ -1,9 +1,9 @@
 #include "lexer/reference.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "input/decoder.h"
+#include "lexer/name_key.h"
 #include "lexer/name_lookup.h"
 
 namespace {
@@ -110,17 +110,69 @@ void ReadVariableSubstitution(char *text, uint16_t size, WmlProc *proc) {
   text[digits.length] = 0;
 }
 
+namespace {
+
+constexpr size_t kDigitsMax = 4;
+
+// The value of a digit, at least 16 for any other character.
+uint16_t DigitValue(char c) {
+  if (c >= '0' && c <= '9') return static_cast<uint16_t>(c - '0');
+  const char lower = LowerAscii(c);
+  return lower >= 'a' && lower <= 'f' ? static_cast<uint16_t>(lower - 'a' + 10) : uint16_t{16};
+}
+
+bool HasHexPrefix(const char *text) {
+  return text[0] == '0' && LowerAscii(text[1]) == 'x';
+}
+
+}  // namespace
+
 uint16_t ConvertVarString(const char *text) {
-  constexpr size_t kDigitsMax = 4;
-  int base = 10;
-  if (text[0] == 'x' || text[0] == 'X') {
+  uint16_t base = 10;
+  if (LowerAscii(text[0]) == 'x') {
     base = 16;
     text += 1;
-  } else if (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+  } else if (HasHexPrefix(text)) {
     base = 16;
     text += 2;
   }
-  char digits[kDigitsMax + 1] = {};
-  std::memcpy(digits, text, strnlen(text, kDigitsMax));
-  return static_cast<uint16_t>(std::strtol(digits, nullptr, base));
+  const char *end = text + strnlen(text, kDigitsMax);
+  // A prefix among the four digits is passed over, as strtol does.
+  if (base == 16 && end - text > 2 && HasHexPrefix(text) && DigitValue(text[2]) < base) text += 2;
+  uint32_t value = 0;
+  for (; text != end && DigitValue(*text) < base; ++text) value = value * base + DigitValue(*text);
+  return static_cast<uint16_t>(value);
+}
+
+namespace {
+
+uint16_t ScanNumeric(const uint8_t *at, const uint8_t **behind) {
+  constexpr int kScanMax = 6;  // "0x" and four digits
+  char digits[kScanMax + 1] = {};
+  int n = 0;
+  while (n < kScanMax && IsReferenceDigit(at[n])) {
+    digits[n] = static_cast<char>(at[n]);
+    ++n;
+  }
+  if (at[n] != ';') return 0;
+  *behind = at + n + 1;
+  return ConvertVarString(digits);
+}
+
+// The names that are complete without a ';' begin no other name of the table.
+uint16_t ScanNamed(const uint8_t *at, const uint8_t **behind) {
+  size_t n = 0;
+  while (!EndsEntityName(at[n])) {
+    if (at[n] >= 0x80 || n == NAME_KEY_MAX) return 0;
+    ++n;
+  }
+  if (at[n] != ';') return 0;
+  *behind = at + n + 1;
+  return ENTITY_INDEX.Find(LoadNameKey(at, n));
+}
+
+}  // namespace
+
+uint16_t ScanReference(const uint8_t *at, const uint8_t **behind) {
+  return *at == '#' ? ScanNumeric(at + 1, behind) : ScanNamed(at, behind);
 }

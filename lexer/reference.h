@@ -18,4 +18,9 @@ void ReadVariableSubstitution(char *text, uint16_t size, WmlProc *proc);
 // 0 when there are none.
 uint16_t ConvertVarString(const char *text);
 
+// The value of an ordinary reference, one with a ';', whose source from behind the '&'
+// lies at `at` in the input buffer; `behind` gets the place behind it. 0 for all others,
+// which the routines above read.
+uint16_t ScanReference(const uint8_t *at, const uint8_t **behind);
+
 #endif  // VS_WML_LEXER_REFERENCE_H

@@ -5,6 +5,7 @@
 #include "input/charset.h"
 #include "input/decoder.h"
 #include "lexer/name_lookup.h"
+#include "lexer/tag_scan.h"
 #include "lexer/word_reader.h"
 
 namespace {
@@ -154,6 +155,10 @@ bool ReadTagWords(WordBuffer *word, ItemRecord *item, WmlProc *proc) {
 }  // namespace
 
 bool ReadTag(ItemRecord *item, WmlProc *proc) {
+  if (ScanTag(item, proc)) {
+    FinishTag(item, proc);
+    return true;
+  }
   proc->attrCount = 0;
   WordBuffer word = {StringCreate(SCRATCH_TEXT_SIZE, proc), SCRATCH_TEXT_SIZE - 1, 0, 0};
   if (word.bytes == nullptr) {

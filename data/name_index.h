@@ -1,0 +1,53 @@
+// Hash indexes over the name tables of WmlInit, made when the library is compiled.
+//
+// They find the same rows as a search of the tables, for a name that lies in a buffer
+// of its own, and without comparing strings.
+#ifndef VS_WML_DATA_NAME_INDEX_H
+#define VS_WML_DATA_NAME_INDEX_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "data/vsd_wml.h"
+
+// Names of up to this many bytes fit into a key: the bytes in order, the first in the
+// low byte, and 0 behind them.
+inline constexpr size_t NAME_KEY_MAX = 8;
+
+constexpr uint64_t NameKey(const char *name, size_t length) {
+  uint64_t key = 0;
+  for (size_t i = length; i > 0; --i) key = key << 8 | static_cast<uint8_t>(name[i - 1]);
+  return key;
+}
+
+template <size_t slotCount>
+struct NameIndex {
+  uint64_t keys[slotCount];  // 0 in a free slot
+  uint16_t values[slotCount];
+
+  static constexpr size_t SlotOf(uint64_t key) {
+    return static_cast<size_t>((key * 0x9E3779B97F4A7C15u) >> 32) % slotCount;
+  }
+
+  // The value of a key, 0 when it is not there.
+  constexpr uint16_t Find(uint64_t key) const {
+    for (size_t slot = SlotOf(key); keys[slot] != 0; slot = (slot + 1) % slotCount) {
+      if (keys[slot] == key) return values[slot];
+    }
+    return 0;
+  }
+
+  constexpr void Add(uint64_t key, uint32_t value) {
+    size_t slot = SlotOf(key);
+    while (keys[slot] != 0) slot = (slot + 1) % slotCount;
+    keys[slot] = key;
+    values[slot] = static_cast<uint16_t>(value);
+  }
+};
+
+// Slots are at least twice the names, so that a search soon meets a free one.
+extern const NameIndex<64> TAG_INDEX;         // lower-case name to TagId
+extern const NameIndex<128> ATTRIBUTE_INDEX;  // lower-case name to AttributeId
+extern const NameIndex<1024> ENTITY_INDEX;    // name to UTF-16 unit
+
+#endif  // VS_WML_DATA_NAME_INDEX_H

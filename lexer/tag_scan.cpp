@@ -1,0 +1,164 @@
+#include "lexer/tag_scan.h"
+
+#include "lexer/name_key.h"
+#include "lexer/name_lookup.h"
+
+namespace {
+
+enum ByteClass : uint8_t {
+  NAME,   // part of a name or of an unquoted value
+  BLANK,  // between words
+  MARK,   // '<', '>', '=', '/', '!'
+  QUOTE,  // opens and closes a value
+  HIGH,   // 0x80 and above: half of a character in multi-byte text
+  ODD,    // control bytes and '&'
+};
+
+struct ByteClasses {
+  ByteClass of[256];
+};
+
+constexpr ByteClasses kBytes = [] {
+  ByteClasses bytes = {};
+  for (int b = 0; b < 0x20; ++b) bytes.of[b] = ODD;
+  for (int b = 0x80; b < 0x100; ++b) bytes.of[b] = HIGH;
+  bytes.of[' '] = bytes.of['\t'] = bytes.of['\n'] = bytes.of['\r'] = BLANK;
+  bytes.of['<'] = bytes.of['>'] = bytes.of['='] = bytes.of['/'] = bytes.of['!'] = MARK;
+  bytes.of['"'] = bytes.of['\''] = QUOTE;
+  bytes.of['&'] = ODD;
+  return bytes;
+}();
+
+// The unread bytes of the buffer. `at` may stand on `end`, where the byte reads as 0,
+// which is ODD.
+struct Scan {
+  const uint8_t *at;
+  const uint8_t *end;
+  bool multiByte;
+};
+
+ByteClass ClassAt(const Scan &scan) {
+  return kBytes.of[*scan.at];
+}
+
+void SkipBlanks(Scan *scan) {
+  while (ClassAt(*scan) == BLANK) ++scan->at;
+}
+
+// The length of the name at the scan, 0 when there is none; the scan moves behind it.
+size_t ScanName(Scan *scan) {
+  const uint8_t *begin = scan->at;
+  while (ClassAt(*scan) == NAME) ++scan->at;
+  return static_cast<size_t>(scan->at - begin);
+}
+
+uint8_t TagOf(const uint8_t *name, size_t length) {
+  if (length > NAME_KEY_MAX) return TAG_NONE;
+  return static_cast<uint8_t>(TAG_INDEX.Find(LoadLowerNameKey(name, length)));
+}
+
+uint16_t AttributeOf(const uint8_t *name, size_t length) {
+  if (length <= NAME_KEY_MAX) return ATTRIBUTE_INDEX.Find(LoadLowerNameKey(name, length));
+  char copy[16];
+  if (length >= sizeof copy) return ATTRIB_NONE;
+  std::memcpy(copy, name, length);
+  copy[length] = 0;
+  return IDAttrib(copy);
+}
+
+struct Value {
+  const uint8_t *begin;
+  size_t length;
+};
+
+// A value in quotes, or a plain word.
+bool ScanValue(bool isReference, Scan *scan, Value *value) {
+  value->begin = scan->at;
+  const uint8_t quote = *scan->at;
+  if (kBytes.of[quote] != QUOTE) {
+    value->length = ScanName(scan);
+    const ByteClass behind = ClassAt(*scan);
+    return !isReference && value->length > 0 && (behind == BLANK || behind == MARK);
+  }
+  value->begin = ++scan->at;
+  if (*scan->at == '>') return false;
+  for (; *scan->at != quote; ++scan->at) {
+    const ByteClass c = ClassAt(*scan);
+    if (c == ODD || (c == HIGH && scan->multiByte)) return false;
+  }
+  value->length = static_cast<size_t>(scan->at++ - value->begin);
+  return true;
+}
+
+// The value of a reference stands in for the name of another attribute, which ordinary
+// values do not spell.
+bool IsOrdinaryReference(const Value &value, const Scan &scan) {
+  if (value.length == 1 || *scan.at == '=') return false;
+  return value.length == 0 || AttributeOf(value.begin, value.length) == ATTRIB_NONE;
+}
+
+bool ScanAttribute(Scan *scan, WmlProc *proc) {
+  const uint8_t *name = scan->at;
+  const size_t length = ScanName(scan);
+  if (length == 0) return false;
+  AttrRef attribute = {AttributeOf(name, length), 0};
+  SkipBlanks(scan);
+  if (*scan->at == '=') {
+    ++scan->at;
+    attribute.valuePos = VwCharPosition(proc->input, scan->at);
+    SkipBlanks(scan);
+    const bool isReference = attribute.attrId == ATTRIB_HREF || attribute.attrId == ATTRIB_SRC;
+    Value value;
+    if (!ScanValue(isReference, scan, &value)) return false;
+    SkipBlanks(scan);
+    if (isReference && !IsOrdinaryReference(value, *scan)) return false;
+  }
+  if (attribute.attrId != ATTRIB_NONE) {
+    if (proc->attrCount + 1 >= MAX_ATTRIBUTES) return false;
+    proc->attrList[proc->attrCount++] = attribute;
+  }
+  return true;
+}
+
+// The '>' or "/>" at the scan.
+bool ScanTagEnd(Scan *scan, ItemRecord *item) {
+  if (*scan->at == '/') {
+    item->itemFlags |= ITEM_EMPTY;
+    ++scan->at;
+  }
+  return *scan->at++ == '>';
+}
+
+bool ScanWholeTag(Scan *scan, ItemRecord *item, WmlProc *proc) {
+  if (*scan->at == '/') {
+    item->itemFlags |= ITEM_END;
+    ++scan->at;
+  }
+  const uint8_t *name = scan->at;
+  const size_t length = ScanName(scan);
+  if (length == 0) return false;
+  item->tagId = TagOf(name, length);
+  if (item->tagId == TAG_META) return false;
+  const bool blankBehind = ClassAt(*scan) == BLANK;
+  SkipBlanks(scan);
+  while (ClassAt(*scan) == NAME && blankBehind) {
+    if (!ScanAttribute(scan, proc)) return false;
+    SkipBlanks(scan);
+  }
+  return ScanTagEnd(scan, item);
+}
+
+}  // namespace
+
+bool ScanTag(ItemRecord *item, WmlProc *proc) {
+  VwCharBuffer *input = proc->input;
+  const uint16_t charset = proc->save.curCharset;
+  if (charset == CHARSET_JIS_X0208) return false;
+  Scan scan = {input->next, input->end, (charset & CHARSETF_MULTI_BYTE) != 0};
+  ItemRecord scanned = *item;
+  proc->attrCount = 0;
+  if (!ScanWholeTag(&scan, &scanned, proc)) return false;
+  *item = scanned;
+  input->next = scan.at;
+  return true;
+}
