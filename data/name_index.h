@@ -14,6 +14,9 @@
 // low byte, and 0 behind them.
 inline constexpr size_t NAME_KEY_MAX = 8;
 
+// The longest attribute name; the few that do not fit into a key are not indexed.
+inline constexpr size_t ATTRIB_NAME_MAX = 10;
+
 constexpr uint64_t NameKey(const char *name, size_t length) {
   uint64_t key = 0;
   for (size_t i = length; i > 0; --i) key = key << 8 | static_cast<uint8_t>(name[i - 1]);

@@ -431,16 +431,18 @@ constexpr NameIndex<slotCount> MakeIndex(const NameRecord (&table)[rowCount]) {
 }
 
 template <size_t rowCount>
-constexpr bool FitsKeys(const NameRecord (&table)[rowCount]) {
+constexpr bool NamesFit(size_t maximum, const NameRecord (&table)[rowCount]) {
   for (const NameRecord &record : table) {
     for (size_t length = 0; record.name[length] != 0; ++length) {
-      if (length == NAME_KEY_MAX) return false;
+      if (length == maximum) return false;
     }
   }
   return true;
 }
 
-static_assert(FitsKeys(WmlInit.tags) && FitsKeys(WmlInit.entities));
+static_assert(NamesFit(NAME_KEY_MAX, WmlInit.tags));
+static_assert(NamesFit(NAME_KEY_MAX, WmlInit.entities));
+static_assert(NamesFit(ATTRIB_NAME_MAX, WmlInit.attributes));
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include "filter/callbacks.h"
 #include "filter/stream_position.h"
 #include "lexer/name_lookup.h"
+#include "lexer/tag_scan.h"
 #include "lexer/word_reader.h"
 
 namespace {
@@ -16,6 +17,15 @@ uint32_t ValuePosition(uint16_t attribute, const WmlProc *proc) {
   return 0;
 }
 
+void ReadValue(bool isReference, WordBuffer *value, WmlProc *proc) {
+  if (!ReadingStopped(proc) && ScanQuotedWord(isReference, value, proc)) return;
+  if (isReference) {
+    ReadWordWithNoQuote(value, proc);
+  } else {
+    ReadWord(value, proc);
+  }
+}
+
 }  // namespace
 
 bool GetAttributeString(uint16_t attribute, char *buffer, uint16_t size, WmlProc *proc) {
@@ -25,11 +35,7 @@ bool GetAttributeString(uint16_t attribute, char *buffer, uint16_t size, WmlProc
   WordBuffer value = {buffer, static_cast<uint16_t>(size - 1), 0, 0};
   const uint32_t here = WMLGetFilePos(proc);
   WMLSetFilePos(valuePos, proc);
-  if (attribute == ATTRIB_HREF || attribute == ATTRIB_SRC) {
-    ReadWordWithNoQuote(&value, proc);
-  } else {
-    ReadWord(&value, proc);
-  }
+  ReadValue(attribute == ATTRIB_HREF || attribute == ATTRIB_SRC, &value, proc);
   WMLSetFilePos(here, proc);
   return true;
 }

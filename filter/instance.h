@@ -82,6 +82,12 @@ inline constexpr uint16_t TABLE_ALIGN_LEFT = 0x0100;
 inline constexpr uint16_t TABLE_ALIGN_RIGHT = 0x0200;
 inline constexpr uint16_t TABLE_ALIGN_CENTER = 0x0400;
 
+// A style that a template made of another one. Styles never change once stored.
+struct DerivedStyle {
+  uint16_t from;
+  uint16_t to;  // NO_INDEX = not known
+};
+
 struct WmlProc {
   WmlSave save;
   VwCharBuffer *input;  // the handle given to the entry point that runs
@@ -89,18 +95,19 @@ struct WmlProc {
   uint16_t stopFlags;   // STOP_ bits; cleared by every VwStreamRead
   uint16_t attrCount;   // attributes of the tag read last
   AttrRef attrList[MAX_ATTRIBUTES];
-  TableRecord *currentTable;        // item of tableArray at tableIndex, or null
-  uint16_t cellFlags[MAX_COLUMNS];  // CELL_ bits of the current row
-  uint32_t cellShade[MAX_COLUMNS];  // background of the current row's cells
-  VwVarArray tableArray;            // TableRecord
-  VwVarArray styleArray;            // StyleRecord, no two equal
-  VwVarArray typefaceArray;         // names of TYPEFACE_NAME_SIZE bytes
-  char *attrScratch;                // attribute values, during a read
-  uint16_t filterId;                // identity
-  uint8_t defaultTypeface;          // typeface number of style template 0
-  bool isOpen;                      // between VwStreamOpen and VwStreamClose
-  bool tablesAscend;                // tableArray is sorted by filePos
-  ScratchBlock *spareStrings;       // scratch strings to hand out again
+  TableRecord *currentTable;                         // item of tableArray at tableIndex, or null
+  uint16_t cellFlags[MAX_COLUMNS];                   // CELL_ bits of the current row
+  uint32_t cellShade[MAX_COLUMNS];                   // background of the current row's cells
+  VwVarArray tableArray;                             // TableRecord
+  VwVarArray styleArray;                             // StyleRecord, no two equal
+  DerivedStyle derivedStyles[STYLE_TEMPLATE_COUNT];  // the last one of each template
+  VwVarArray typefaceArray;                          // names of TYPEFACE_NAME_SIZE bytes
+  char *attrScratch;                                 // attribute values, during a read
+  uint16_t filterId;                                 // identity
+  uint8_t defaultTypeface;                           // typeface number of style template 0
+  bool isOpen;                                       // between VwStreamOpen and VwStreamClose
+  bool tablesAscend;                                 // tableArray is sorted by filePos
+  ScratchBlock *spareStrings;                        // scratch strings to hand out again
   SoRoutineTable routines;
   VwUserWord userData1;
   VwUserWord userData2;

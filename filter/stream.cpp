@@ -72,6 +72,7 @@ void CreateStorage(WmlProc *proc) {
   VACreate(sizeof(StyleRecord), kStyleGrowth, &proc->styleArray);
   VACreate(TYPEFACE_NAME_SIZE, kTypefaceGrowth, &proc->typefaceArray);
   proc->tablesAscend = true;
+  for (DerivedStyle &derived : proc->derivedStyles) derived = {NO_INDEX, NO_INDEX};
 }
 
 // The charset fields are set once the identity is known.

@@ -7,15 +7,20 @@
 
 namespace {
 
-// What each byte sends: in the first half after a character, in the second at the start
-// of a paragraph and after a blank, where a blank sends nothing. 0 marks the bytes that
-// need a closer look. To look a blank up like every other byte is what makes text fast:
-// a branch on it would be mispredicted at every end of a word.
-constexpr size_t kAfterBlank = 256;
+// What each byte sends and which half of the table its successor is looked up in. The
+// first half serves after a character, the second at the start of a paragraph and after
+// a blank, where a blank sends nothing. 0 marks the bytes that need a closer look. To
+// look a blank up like every other byte is what makes text fast: a branch on it would be
+// mispredicted at every end of a word.
+constexpr uint32_t kAfterBlank = 256;
 
 struct SendTable {
-  uint16_t of[2 * kAfterBlank];
+  uint32_t of[2 * kAfterBlank];  // character, and the half above it
 };
+
+constexpr uint32_t Sends(uint16_t c) {
+  return c == ' ' ? c | kAfterBlank << 16 : c;
+}
 
 enum HighBytes { HIGH_AS_THEY_ARE, HIGH_CONTROLS_MAPPED, HIGH_MULTI_BYTE };
 
@@ -32,12 +37,12 @@ constexpr bool IsMarkup(unsigned byte) {
 constexpr SendTable MakeTable(HighBytes high, bool preformatted) {
   SendTable table = {};
   for (unsigned byte = ' '; byte < 0x100; ++byte) {
-    uint16_t sent = byte < 0x80 ? static_cast<uint16_t>(byte) : SentHigh(byte, high);
+    uint32_t sent = Sends(byte < 0x80 ? static_cast<uint16_t>(byte) : SentHigh(byte, high));
     if (IsMarkup(byte)) sent = 0;
     table.of[byte] = sent;
-    table.of[byte + kAfterBlank] = byte == ' ' && !preformatted ? uint16_t{0} : sent;
+    table.of[byte + kAfterBlank] = byte == ' ' && !preformatted ? 0 : sent;
   }
-  if (!preformatted) table.of['\n'] = table.of['\r'] = ' ';
+  if (!preformatted) table.of['\n'] = table.of['\r'] = Sends(' ');
   return table;
 }
 
@@ -77,8 +82,8 @@ bool BeginRun(const WmlProc *proc, TextRun *run) {
   return true;
 }
 
-void Send(uint16_t c, const uint8_t *behind, WmlProc *proc) {
-  proc->input->next = behind;
+void Send(uint16_t c, const uint8_t *behind, VwCharBuffer *input, WmlProc *proc) {
+  input->next = behind;
   SOEmitChar(c, proc);
 }
 
@@ -92,50 +97,51 @@ bool CanPeek(uint8_t byte, const TextRun &run) {
   return !IsCharsetControl(byte) && (byte < 0x80 || run.leadSet == 0);
 }
 
+// Where the run stands behind a byte that was taken, and what was sent last; a null
+// place means that the item reader must take the byte.
+struct Taken {
+  const uint8_t *at;
+  uint16_t last;
+};
+
 // White space and control bytes. A tab is white space only outside tables.
-void TakeControl(const uint8_t *at, const TextRun &run, uint16_t *last, WmlProc *proc) {
-  const bool sendsBlank = *at == '\t' && !run.inTable && !IsBlank(*last);
-  if (sendsBlank) {
-    Send(' ', at + 1, proc);
-    *last = ' ';
-  }
+Taken TakeControl(const uint8_t *at, const TextRun &run, uint16_t last, WmlProc *proc) {
+  if (run.preformatted || IsCharsetControl(*at)) return {nullptr, last};
+  if (*at != '\t' || run.inTable || IsBlank(last)) return {at + 1, last};
+  Send(' ', at + 1, proc->input, proc);
+  return {at + 1, ' '};
 }
 
-// Takes the byte at `at`, for which the table has nothing to send, and gives the place
-// behind it; null when the item reader must take it.
-const uint8_t *TakeSpecial(const uint8_t *at, const TextRun &run, uint16_t *last, WmlProc *proc) {
+Taken TakeReference(const uint8_t *at, uint16_t last, WmlProc *proc) {
+  const uint8_t *behind;
+  const uint16_t value = ScanReference(at + 1, &behind);
+  if (value == 0) return {nullptr, last};
+  proc->input->next = behind;
+  PutUnicodeCharacter(value, proc);
+  return {behind, value};
+}
+
+// Takes a byte for which the table has nothing to send and which leads no pair in the
+// buffer.
+[[gnu::noinline]] Taken TakeSpecial(const uint8_t *at, const TextRun &run, uint16_t last,
+                                    WmlProc *proc) {
   const uint8_t byte = *at;
-  if (byte <= ' ') {
-    if (run.preformatted || IsCharsetControl(byte)) return nullptr;
-    TakeControl(at, run, last, proc);
-    return at + 1;
-  }
+  if (byte <= ' ') return TakeControl(at, run, last, proc);
+  if (byte == '&') return TakeReference(at, last, proc);
   const uint8_t *behind = at + 1;
-  if (byte == '&') {
-    proc->input->next = behind;
-    const uint16_t value = ScanReference(behind, &behind);
-    proc->input->next = value != 0 ? behind : at;
-    if (value == 0) return nullptr;
-    PutUnicodeCharacter(value, proc);
-    *last = value;
-    return behind;
-  }
-  if (byte == '<' || behind == proc->input->end) return nullptr;
+  if (behind == proc->input->end) return {nullptr, last};
   uint16_t sent = byte;
   if (byte == '/') {
-    if (*behind == '>' || !CanPeek(*behind, run)) return nullptr;
+    if (*behind == '>' || !CanPeek(*behind, run)) return {nullptr, last};
   } else if (byte == '$') {
-    if (*behind != '$') return CanPeek(*behind, run) ? behind : nullptr;
+    if (*behind != '$') return {CanPeek(*behind, run) ? behind : nullptr, last};
     ++behind;
-  } else if (IsLeadByte(run.leadSet, byte)) {
-    sent = DecodePair(run.leadSet, byte, *behind++);
   } else if (run.leadSet == 0) {
     sent = WmlInit.highControls[byte - 0x80];
-    if (sent == 0) return behind;
+    if (sent == 0) return {behind, last};
   }
-  Send(sent, behind, proc);
-  *last = sent;
-  return behind;
+  Send(sent, behind, proc->input, proc);
+  return {behind, sent};
 }
 
 }  // namespace
@@ -143,19 +149,31 @@ const uint8_t *TakeSpecial(const uint8_t *at, const TextRun &run, uint16_t *last
 void SendTextRun(WmlProc *proc) {
   TextRun run;
   if (!BeginRun(proc, &run)) return;
-  VwCharBuffer *input = proc->input;
+  VwCharBuffer *const input = proc->input;
   const uint8_t *const end = input->end;
+  const uint32_t *const table = run.table->of;
   uint16_t last = proc->save.lastChar;
-  for (const uint8_t *at = input->next; at != end;) {
-    const uint16_t sent = run.table->of[*at + (IsBlank(last) ? kAfterBlank : 0)];
-    if (sent != 0) [[likely]] {
-      Send(sent, ++at, proc);
-      last = sent;
-      continue;
+  const uint32_t *half = table + (IsBlank(last) ? kAfterBlank : 0);
+  for (const uint8_t *at = input->next;;) {
+    const uint32_t entry = half[*at];
+    if (entry != 0) [[likely]] {
+      last = static_cast<uint16_t>(entry);
+      Send(last, ++at, input, proc);
+      half = table + (entry >> 16);
+    } else if (at == end || *at == '<') {
+      break;
+    } else if (IsLeadByte(run.leadSet, *at) && at + 1 != end) {
+      last = DecodePair(run.leadSet, at[0], at[1]);
+      at += 2;
+      Send(last, at, input, proc);
+      half = table;
+    } else {
+      const Taken taken = TakeSpecial(at, run, last, proc);
+      if (taken.at == nullptr) break;
+      input->next = at = taken.at;
+      last = taken.last;
+      half = table + (IsBlank(last) ? kAfterBlank : 0);
     }
-    at = TakeSpecial(at, run, &last, proc);
-    if (at == nullptr) break;
-    input->next = at;
   }
   proc->save.lastChar = last;
 }

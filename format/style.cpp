@@ -47,10 +47,6 @@ uint16_t StyleStore(const StyleRecord &style, WmlProc *proc) {
   return index;
 }
 
-const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc) {
-  return static_cast<const StyleRecord *>(VAGetItem(index, &proc->styleArray));
-}
-
 namespace {
 
 void ApplyCharAttributes(uint32_t templateAttrs, StyleRecord *target) {
@@ -96,13 +92,31 @@ void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *
   if (styleTemplate.typeface != 0) target->typeface = styleTemplate.typeface;
 }
 
+namespace {
+
+uint16_t DeriveStyle(uint16_t current, uint8_t styleClass, WmlProc *proc) {
+  const StyleRecord *from = StyleRetrieve(current, proc);
+  StyleRecord style = from != nullptr ? *from : BaseStyle(proc);
+  StyleApply(WmlInit.styleTemplates[styleClass], &style, proc);
+  return StyleStore(style, proc);
+}
+
+bool DependsOnTag(uint8_t styleClass) {
+  return (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) != 0;
+}
+
+}  // namespace
+
 void StyleSelect(ItemRecord *item, WmlProc *proc) {
   item->styleIndex = NO_INDEX;
   if (item->styleClass == 0 || item->styleClass >= STYLE_TEMPLATE_COUNT) return;
-  const StyleRecord *current = TagStackGetCurrentStyle(proc);
-  StyleRecord style = current != nullptr ? *current : BaseStyle(proc);
-  StyleApply(WmlInit.styleTemplates[item->styleClass], &style, proc);
-  item->styleIndex = StyleStore(style, proc);
+  uint16_t current;
+  TagStackPeek(nullptr, nullptr, &current, nullptr, proc);
+  DerivedStyle &known = proc->derivedStyles[item->styleClass];
+  if (known.from != current || known.to == NO_INDEX || DependsOnTag(item->styleClass)) {
+    known = {current, DeriveStyle(current, item->styleClass, proc)};
+  }
+  item->styleIndex = known.to;
 }
 
 namespace {
@@ -128,7 +142,8 @@ void SendLayout(const StyleRecord &style, WmlProc *proc) {
 void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc) {
   if (to == nullptr) return;
   WmlSave &save = proc->save;
-  SendCharAttributes(from != nullptr ? from->charAttrs : 0, to->charAttrs, proc);
+  const uint32_t fromAttrs = from != nullptr ? from->charAttrs : 0;
+  if (fromAttrs != to->charAttrs) SendCharAttributes(fromAttrs, to->charAttrs, proc);
   if (from == nullptr || from->pointSize != to->pointSize) {
     SOSetCharSize(2u * to->pointSize, proc);
   }

@@ -14,7 +14,10 @@ StyleRecord BaseStyle(const WmlProc *proc);
 uint16_t StyleStore(const StyleRecord &style, WmlProc *proc);
 
 // The style of an index, null when there is none; valid until the next StyleStore.
-const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc);
+inline const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc) {
+  const auto *styles = reinterpret_cast<const StyleRecord *>(proc->styleArray.storage);
+  return index < proc->styleArray.count ? styles + index : nullptr;
+}
 
 // Applies a style template to a style. A template that takes its alignment from the
 // tag reads the `align` attribute of the tag being processed.

@@ -62,23 +62,6 @@ uint16_t QueryCharsetTable(const char *name) {
   return record != nullptr ? static_cast<uint16_t>(record->value) : CHARSET_UTF8;
 }
 
-uint8_t LeadSet(uint16_t charset) {
-  switch (charset) {
-    case CHARSET_SJIS:
-      return LEAD_SJIS;
-    case CHARSET_BIG5:
-      return LEAD_BIG5;
-    case CHARSET_GB2312:
-      return LEAD_GB2312;
-    case CHARSET_KSC5601:
-      return LEAD_KSC5601;
-    case CHARSET_EUC_JP:
-      return LEAD_EUC_JP;
-    default:
-      return 0;
-  }
-}
-
 void SwitchCharset(uint16_t charset, WmlProc *proc) {
   proc->save.curCharset = charset;
   SOSwitchCharset(MapCSToSO(charset), proc);

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "data/vsd_wml.h"
+
 struct WmlProc;
 
 // The HOST_CS_ code of a charset id, HOST_CS_UNICODE for every id that has none.
@@ -41,7 +43,22 @@ constexpr LeadBytes LEAD_BYTES = [] {
 }();
 
 // The LEAD_ bit of a charset, 0 for one without lead bytes.
-uint8_t LeadSet(uint16_t charset);
+inline uint8_t LeadSet(uint16_t charset) {
+  switch (charset) {
+    case CHARSET_SJIS:
+      return LEAD_SJIS;
+    case CHARSET_BIG5:
+      return LEAD_BIG5;
+    case CHARSET_GB2312:
+      return LEAD_GB2312;
+    case CHARSET_KSC5601:
+      return LEAD_KSC5601;
+    case CHARSET_EUC_JP:
+      return LEAD_EUC_JP;
+    default:
+      return 0;
+  }
+}
 
 inline bool IsLeadByte(uint8_t leadSet, unsigned byte) {
   return byte >= 0x80 && (LEAD_BYTES.of[byte - 0x80] & leadSet) != 0;

@@ -5,20 +5,19 @@
 #include "filter/callbacks.h"
 #include "input/charset.h"
 
-namespace {
-
-constexpr int kShiftOut = 0x0E;
-constexpr int kShiftIn = 0x0F;
-constexpr int kEscape = 0x1B;
-constexpr uint32_t kEscapeLookAhead = 4;
-
-// Shift_JIS code of a JIS X 0208 pair (JIS X 0208, annex 1); j1 in 0x21..0x7E.
 uint16_t JisToShiftJis(int j1, int j2) {
   const int s1 = ((j1 + 1) >> 1) + (j1 <= 0x5E ? 0x70 : 0xB0);
   int s2 = j2 + 0x7E;
   if (j1 & 1) s2 = j2 <= 0x5F ? j2 + 0x1F : j2 + 0x20;
   return static_cast<uint16_t>(s1 << 8 | (s2 & 0xFF));
 }
+
+namespace {
+
+constexpr int kShiftOut = 0x0E;
+constexpr int kShiftIn = 0x0F;
+constexpr int kEscape = 0x1B;
+constexpr uint32_t kEscapeLookAhead = 4;
 
 // A pair that the end of the input cuts off is 0, and so is one whose first byte is
 // outside the code table.
@@ -96,13 +95,6 @@ static_assert(IsCharsetControl(kShiftOut) && IsCharsetControl(kShiftIn) &&
               IsCharsetControl(kEscape));
 
 }  // namespace
-
-// Of a pair that the end of the input cuts off, the missing byte is 0xFF; in EUC-JP the
-// whole pair is 0.
-uint16_t DecodePair(uint8_t leadSet, int lead, int second) {
-  if (leadSet != LEAD_EUC_JP) return static_cast<uint16_t>(lead << 8 | (second & 0xFF));
-  return second < 0 ? uint16_t{0} : JisToShiftJis(lead - 0x80, second - 0x80);
-}
 
 uint16_t WMLGetChar(WmlProc *proc) {
   if (proc->stopFlags & STOP_END_OF_INPUT) return CHAR_END;

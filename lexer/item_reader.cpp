@@ -61,7 +61,7 @@ void ReadNextItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
   *ch = 0;
   text[0] = 0;
   if (ReadingStopped(proc)) return;
-  const uint16_t c = WMLGetChar(proc);
+  const uint16_t c = GetChar(proc);
   switch (c) {
     case CHAR_END:
       break;

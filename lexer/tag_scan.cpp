@@ -59,8 +59,8 @@ uint8_t TagOf(const uint8_t *name, size_t length) {
 
 uint16_t AttributeOf(const uint8_t *name, size_t length) {
   if (length <= NAME_KEY_MAX) return ATTRIBUTE_INDEX.Find(LoadLowerNameKey(name, length));
-  char copy[16];
-  if (length >= sizeof copy) return ATTRIB_NONE;
+  if (length > ATTRIB_NAME_MAX) return ATTRIB_NONE;
+  char copy[ATTRIB_NAME_MAX + 1];
   std::memcpy(copy, name, length);
   copy[length] = 0;
   return IDAttrib(copy);
@@ -160,5 +160,27 @@ bool ScanTag(ItemRecord *item, WmlProc *proc) {
   if (!ScanWholeTag(&scan, &scanned, proc)) return false;
   *item = scanned;
   input->next = scan.at;
+  return true;
+}
+
+// A plain ASCII value in which nothing is a mark is the same to both word readers.
+bool ScanQuotedWord(bool isReference, WordBuffer *word, WmlProc *proc) {
+  VwCharBuffer *input = proc->input;
+  const uint8_t *at = input->next;
+  if (*at != '"' || proc->save.curCharset == CHARSET_JIS_X0208 || at[1] == '>') return false;
+  const uint8_t *begin = ++at;
+  for (; *at != '"'; ++at) {
+    const ByteClass c = kBytes.of[*at];
+    const bool blank = c == BLANK && (*at == ' ' || !isReference);
+    const bool mark = c == MARK && (*at == '/' || !isReference);
+    const bool ampersand = *at == '&' && isReference;
+    if (c != NAME && c != QUOTE && !blank && !mark && !ampersand) return false;
+  }
+  const auto length = static_cast<size_t>(at - begin);
+  if (length > word->max) return false;
+  std::memcpy(word->bytes, begin, length);
+  word->bytes[length] = 0;
+  word->length = static_cast<uint16_t>(length);
+  input->next = at + 1;
   return true;
 }

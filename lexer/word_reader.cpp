@@ -7,7 +7,7 @@
 namespace {
 
 uint16_t NextChar(WordBuffer *word, WmlProc *proc) {
-  const uint16_t c = WMLGetChar(proc);
+  const uint16_t c = GetChar(proc);
   if (c != CHAR_END) ++word->sourceLength;
   return c;
 }

@@ -47,11 +47,6 @@ void *VAAddItem(uint16_t *outIndex, VwVarArray *array, WmlProc *proc) {
   return array->storage + size_t{index} * array->itemSize;
 }
 
-void *VAGetItem(uint16_t index, const VwVarArray *array) {
-  if (index >= array->count) return nullptr;
-  return array->storage + size_t{index} * array->itemSize;
-}
-
 char *StringCreate(uint32_t size, WmlProc *proc) {
   for (ScratchBlock **link = &proc->spareStrings; *link != nullptr; link = &(*link)->next) {
     ScratchBlock *block = *link;

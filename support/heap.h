@@ -5,6 +5,7 @@
 #ifndef VS_WML_SUPPORT_HEAP_H
 #define VS_WML_SUPPORT_HEAP_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "filter/vs_wml.h"
@@ -31,7 +32,9 @@ void VADestroy(VwVarArray *array);
 void *VAAddItem(uint16_t *outIndex, VwVarArray *array, WmlProc *proc);
 
 // The item of that index, null when there is none.
-void *VAGetItem(uint16_t index, const VwVarArray *array);
+inline void *VAGetItem(uint16_t index, const VwVarArray *array) {
+  return index < array->count ? array->storage + size_t{index} * array->itemSize : nullptr;
+}
 
 // A scratch string goes back to its instance when it is done with and is handed
 // out again, so that a read allocates each of the few sizes once.

@@ -123,6 +123,21 @@ void MeasureChar(uint16_t c, TableScan *scan) {
   scan->prevChar = c;
 }
 
+// Characters that mean the same to the decoder and the item reader in every charset, as
+// bytes of the buffer.
+bool IsPlainByte(uint8_t byte) {
+  return byte >= ' ' && byte < 0x80 && byte != '<' && byte != '&' && byte != '$' && byte != '/';
+}
+
+// Measures the plain characters at the input without making items of them.
+void MeasureRun(TableScan *scan) {
+  VwCharBuffer *input = scan->proc->input;
+  if (scan->proc->save.curCharset == CHARSET_JIS_X0208) return;
+  const uint8_t *at = input->next;
+  for (; at != input->end && IsPlainByte(*at); ++at) MeasureChar(*at, scan);
+  input->next = at;
+}
+
 void EndLine(TableScan *scan) {
   if (BeyondColumns(scan)) return;
   EndRun(scan);
@@ -194,6 +209,7 @@ void ScanCells(TableScan *scan) {
   ItemRecord item;
   uint16_t ch;
   for (;;) {
+    MeasureRun(scan);
     ReadNextItem(&item, &ch, scan->text, scan->proc);
     if (ReadingStopped(scan->proc)) return;
     if (item.itemFlags & ITEM_CHAR) {
