@@ -88,6 +88,12 @@ struct DerivedStyle {
   uint16_t to;  // NO_INDEX = not known
 };
 
+// Widths of the characters 0..127 in one point size; 0 = none cached, which measures 0.
+struct AsciiWidths {
+  uint8_t pointSize;
+  uint16_t of[128];
+};
+
 struct WmlProc {
   WmlSave save;
   VwCharBuffer *input;  // the handle given to the entry point that runs
@@ -102,12 +108,13 @@ struct WmlProc {
   VwVarArray styleArray;                             // StyleRecord, no two equal
   DerivedStyle derivedStyles[STYLE_TEMPLATE_COUNT];  // the last one of each template
   VwVarArray typefaceArray;                          // names of TYPEFACE_NAME_SIZE bytes
-  char *attrScratch;                                 // attribute values, during a read
-  uint16_t filterId;                                 // identity
-  uint8_t defaultTypeface;                           // typeface number of style template 0
-  bool isOpen;                                       // between VwStreamOpen and VwStreamClose
-  bool tablesAscend;                                 // tableArray is sorted by filePos
-  ScratchBlock *spareStrings;                        // scratch strings to hand out again
+  AsciiWidths asciiWidths;
+  char *attrScratch;           // attribute values, during a read
+  uint16_t filterId;           // identity
+  uint8_t defaultTypeface;     // typeface number of style template 0
+  bool isOpen;                 // between VwStreamOpen and VwStreamClose
+  bool tablesAscend;           // tableArray is sorted by filePos
+  ScratchBlock *spareStrings;  // scratch strings to hand out again
   SoRoutineTable routines;
   VwUserWord userData1;
   VwUserWord userData2;

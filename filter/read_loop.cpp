@@ -139,7 +139,7 @@ void ReadItems(char *text, WmlProc *proc) {
   ItemRecord item;
   uint16_t ch;
   while (proc->stopFlags == 0) {
-    SendTextRun(proc);
+    if (*proc->input->next != '<') SendTextRun(proc);
     ReadNextItem(&item, &ch, text, proc);
     if (proc->stopFlags == 0) HandleItem(&item, ch, text, proc);
   }

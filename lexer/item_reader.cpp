@@ -3,8 +3,6 @@
 #include "format/tag_stack.h"
 #include "input/decoder.h"
 #include "lexer/reference.h"
-#include "lexer/tag_reader.h"
-#include "lexer/word_reader.h"
 
 namespace {
 
@@ -56,11 +54,7 @@ void ReadAmpersand(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
 
 }  // namespace
 
-void ReadNextItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
-  *item = {TAG_NONE, 0, NO_INDEX, 0, 0};
-  *ch = 0;
-  text[0] = 0;
-  if (ReadingStopped(proc)) return;
+void ReadItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
   const uint16_t c = GetChar(proc);
   switch (c) {
     case CHAR_END:

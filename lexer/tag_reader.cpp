@@ -99,29 +99,6 @@ bool ReadTagEnd(uint8_t last, const WordBuffer *word, ItemRecord *item, WmlProc 
   return true;
 }
 
-// Inside `pre` only its own end tag and these elements are markup.
-bool IsMarkupInPre(const ItemRecord *item) {
-  switch (item->tagId) {
-    case TAG_A:
-    case TAG_B:
-    case TAG_BR:
-    case TAG_EM:
-    case TAG_I:
-    case TAG_STRONG:
-    case TAG_U:
-      return true;
-    default:
-      return item->tagId == TAG_PRE && (item->itemFlags & ITEM_END) != 0;
-  }
-}
-
-void FinishTag(ItemRecord *item, WmlProc *proc) {
-  if ((proc->save.modeFlags & MODE_PRE) && !IsMarkupInPre(item)) item->tagId = TAG_NONE;
-  if (item->itemFlags & ITEM_END) return;
-  item->itemFlags |= ITEM_BEGIN;
-  proc->save.lastBeginTagId = item->tagId;
-}
-
 bool ReadTagWords(WordBuffer *word, ItemRecord *item, WmlProc *proc) {
   CharsetDeclaration declaration = {};
   uint8_t last = ReadWord(word, proc);

@@ -29,11 +29,10 @@ constexpr ByteClasses kBytes = [] {
   return bytes;
 }();
 
-// The unread bytes of the buffer. `at` may stand on `end`, where the byte reads as 0,
-// which is ODD.
+// A place in the unread bytes of the buffer. Behind the last one stands a NUL, which is
+// ODD.
 struct Scan {
   const uint8_t *at;
-  const uint8_t *end;
   bool multiByte;
 };
 
@@ -154,9 +153,9 @@ bool ScanTag(ItemRecord *item, WmlProc *proc) {
   VwCharBuffer *input = proc->input;
   const uint16_t charset = proc->save.curCharset;
   if (charset == CHARSET_JIS_X0208) return false;
-  Scan scan = {input->next, input->end, (charset & CHARSETF_MULTI_BYTE) != 0};
-  ItemRecord scanned = *item;
   proc->attrCount = 0;
+  Scan scan = {input->next, (charset & CHARSETF_MULTI_BYTE) != 0};
+  ItemRecord scanned = *item;
   if (!ScanWholeTag(&scan, &scanned, proc)) return false;
   *item = scanned;
   input->next = scan.at;

@@ -123,19 +123,59 @@ void MeasureChar(uint16_t c, TableScan *scan) {
   scan->prevChar = c;
 }
 
-// Characters that mean the same to the decoder and the item reader in every charset, as
-// bytes of the buffer.
-bool IsPlainByte(uint8_t byte) {
-  return byte >= ' ' && byte < 0x80 && byte != '<' && byte != '&' && byte != '$' && byte != '/';
+enum ByteClass : uint8_t { OTHER, PLAIN, WHITE };
+
+struct ByteClasses {
+  ByteClass of[256];
+};
+
+// Bytes that are characters of their own in every charset but JIS X 0208, and no markup.
+constexpr ByteClasses kBytes = [] {
+  ByteClasses bytes = {};
+  for (int b = '!'; b < 0x80; ++b) bytes.of[b] = PLAIN;
+  bytes.of['<'] = bytes.of['&'] = bytes.of['$'] = bytes.of['/'] = OTHER;
+  bytes.of[' '] = bytes.of['\n'] = bytes.of['\r'] = bytes.of['\t'] = WHITE;
+  return bytes;
+}();
+
+// What MeasureChar does for the plain characters from `at` on; the place behind them.
+const uint8_t *MeasurePlain(const uint8_t *at, ColumnExtent *column, TableScan *scan) {
+  const uint16_t *widths = scan->proc->asciiWidths.of;
+  uint32_t line = scan->lineWidth;
+  uint32_t word = scan->wordWidth;
+  uint16_t prev = scan->prevChar;
+  for (;; ++at) {
+    const ByteClass kind = kBytes.of[*at];
+    if (kind == OTHER) break;
+    if (kind == WHITE && prev == ' ') continue;
+    line += widths[*at];
+    word += widths[*at];
+    Raise(line, &column->lineMax);
+    if (kind == WHITE || scan->multiByte) {
+      Raise(word - widths[*at], &column->wordMax);
+      word = 0;
+    }
+    prev = *at;
+  }
+  scan->lineWidth = line;
+  scan->wordWidth = word;
+  scan->prevChar = prev;
+  return at;
 }
 
-// Measures the plain characters at the input without making items of them.
+// Measures the plain characters at the input without making items of them; outside
+// cells, and in cells beyond the columns, there is nothing to measure.
 void MeasureRun(TableScan *scan) {
-  VwCharBuffer *input = scan->proc->input;
   if (scan->proc->save.curCharset == CHARSET_JIS_X0208) return;
+  VwCharBuffer *input = scan->proc->input;
+  ColumnExtent *column = CurrentColumn(scan);
   const uint8_t *at = input->next;
-  for (; at != input->end && IsPlainByte(*at); ++at) MeasureChar(*at, scan);
-  input->next = at;
+  if (scan->inCell && column != nullptr) {
+    input->next = MeasurePlain(at, column, scan);
+  } else {
+    while (kBytes.of[*at] != OTHER) ++at;
+    input->next = at;
+  }
 }
 
 void EndLine(TableScan *scan) {
@@ -239,6 +279,7 @@ void MeasureTable(char *text, TableRecord *record, WmlProc *proc) {
   scan.text = text;
   scan.record = record;
   scan.style = current != nullptr ? *current : BaseStyle(proc);
+  CacheAsciiWidths(scan.style, proc);
   scan.multiByte = (proc->save.curCharset & CHARSETF_MULTI_BYTE) != 0;
   ScanCells(&scan);
   CountColumns(&scan);
