@@ -317,7 +317,8 @@ uint16_t PreprocessTable(WmlProc *proc) {
   } else {
     SkipTable(text, proc);
   }
-  proc->stopFlags = 0;
+  // The end of the input is met again; an exhausted heap ends the read.
+  proc->stopFlags &= STOP_NO_MEMORY;
   StringDestroy(text, proc);
   return index;
 }

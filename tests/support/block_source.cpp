@@ -38,7 +38,7 @@ std::uint32_t Read(VwHandle self, void *buffer, std::uint32_t wanted, std::uint3
   }
   source.position += count;
   source.bytes += count;
-  *delivered = count + source.faults.overclaim;
+  *delivered = count == 0 ? 0 : count + source.faults.overclaim;
   return 0;
 }
 

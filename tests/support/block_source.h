@@ -19,7 +19,7 @@ struct BlockFaults {
   std::uint64_t tellAt = 0;     ///< this tell fails and stores nothing
   bool forever = false;         ///< and so does every later call of that kind
   std::uint32_t tellLie = 0;    ///< added to every position told
-  std::uint32_t overclaim = 0;  ///< added to the count of every successful read
+  std::uint32_t overclaim = 0;  ///< added to the count of every read but the last
 };
 
 /// The bytes of `text`, repeated to fill `length`. The record comes first, so that

@@ -1,0 +1,170 @@
+// The library's use of the heap: what happens when it is exhausted, and that it stays
+// small whatever the document's length.
+//
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include "tests/support/heap_probe.h"
+#include "tests/support/session.h"
+
+namespace vs_wml::test {
+namespace {
+
+constexpr std::string_view kRich =
+    "<wml><head><meta http-equiv='content-type' content='charset=utf-8'/></head>"
+    "<card title='t&amp;u'><p align=center>a<b>b<i>c<u>d<big>e</big></u></i></b></p>"
+    "<table columns=2><tr><td>f<td><small>g</small><tr><td><pre>h</pre></table>"
+    "<table><td>i</table><a href='x' title='y'>j<img src='k' alt='l' width='3'/></a>"
+    "<p align=right><strong>m<em>n</em></strong>&nope;</p></card></wml>";
+
+/// One life of an instance while allocation `at` fails.
+struct Life {
+  std::uint64_t failures = 0;
+  std::int64_t leaked = 0;
+  bool told = false;    ///< the host learns of it: null, a handle of 0 or SOAbortStream
+  bool silent = false;  ///< a read came to nothing without any call
+  std::string fault;
+};
+
+Life Live(std::uint64_t at, bool forever) {
+  Life life;
+  BlockSource source(kRich);
+  Host host;
+  host.tracing = false;
+  HeapProbe heap(at, forever);
+  {
+    Session session(source, host);
+    life.told = !session.Attached();
+    session.Open();
+    session.Section();
+    const std::uint64_t before = host.calls;
+    session.Read();
+    life.silent = host.calls == before;
+    life.told = life.told || host.checker.Aborted();
+    // After a failure the stream is still there; what it does is up to the heap.
+    session.Read();
+    life.fault = host.checker.Fault();
+  }
+  life.failures = heap.failures;
+  life.leaked = heap.blocks;
+  return life;
+}
+
+TEST(ExhaustedHeap, IsReportedAndLeavesNothingBehind) {
+  for (const bool forever : {false, true}) {
+    std::uint64_t at = 1;
+    for (;; ++at) {
+      const Life life = Live(at, forever);
+      ASSERT_EQ(life.leaked, 0) << "allocation " << at;
+      ASSERT_EQ(life.fault, "") << "allocation " << at;
+      if (life.failures == 0) break;
+      // A typeface that could not be registered is missing, and nothing else.
+      const bool typeface = at >= 3 && at <= 6;
+      EXPECT_TRUE(life.told || life.silent || typeface) << "allocation " << at;
+      ASSERT_LT(at, 200u) << "the allocations do not end";
+    }
+    EXPECT_GT(at, 8u) << "nothing failed";
+  }
+}
+
+TEST(ExhaustedHeap, StopsTheReadAtTheTableThatHasNoRecord) {
+  BlockSource source("<wml><card>a<b>b<table columns=1><tr><td>c</table>d</b>e");
+  Host host;
+  Session session(source, host);
+  session.Open();
+  session.Section();
+  // The allocations of a read of this document that ends before the table.
+  std::uint64_t before = 0;
+  {
+    BlockSource shorter("<wml><card>a<b>b");
+    Host other;
+    Session scout(shorter, other);
+    scout.Open();
+    HeapProbe heap;
+    scout.Read();
+    before = heap.allocations;
+  }
+  HeapProbe heap(before + 1);
+  ASSERT_TRUE(session.Read());
+  ASSERT_EQ(heap.failures, 1u);
+  const std::string text = host.Text();
+  EXPECT_EQ(text.substr(text.find("SOEmitChar \"b\"")),
+            "SOEmitChar \"b\"\nSOAbortStream\nSOEmitBreak cell\nSOSetProperty alignment left\n"
+            "SOSetProperty alignment-done\nSOSetProperty bold off\nSOEmitBreak document\n");
+}
+
+TEST(ExhaustedHeap, WithoutScratchStringsAReadIsSilent) {
+  BlockSource source("<wml><card>a");
+  Host host;
+  Session session(source, host);
+  session.Open();
+  const std::uint64_t calls = host.calls;
+  {
+    HeapProbe heap(1, true);
+    session.Read();
+    EXPECT_EQ(heap.failures, 1u);
+  }
+  EXPECT_EQ(host.calls, calls);
+  EXPECT_EQ(source.reads, 0u);
+  EXPECT_TRUE(session.Read()) << "the next read finds the heap filled again";
+}
+
+/// Allocations and peak of one read of `text`, repeated to `length`.
+struct Use {
+  std::uint64_t allocations;
+  std::int64_t peak;
+};
+
+Use Measure(std::string_view text, std::uint32_t length) {
+  BlockSource source(text);
+  source.length = length;
+  Host host;
+  host.tracing = false;
+  HeapProbe heap;
+  {
+    Session session(source, host);
+    session.Open();
+    session.Section();
+    EXPECT_TRUE(session.Read());
+    EXPECT_EQ(host.checker.Fault(), "");
+  }
+  EXPECT_EQ(heap.blocks, 0);
+  return {heap.allocations, heap.peak};
+}
+
+// Text, tags, attributes, references, images and links are read without the heap.
+constexpr std::string_view kRepeated =
+    "<wml><card title='t'><p align=center>a<b>b<i>c</i></b> &amp; &#65; &nope;"
+    "<a href='x' title='y'>j<img src='k' alt='l' width='3'/></a><pre>p\n</pre></p></card></wml>";
+
+TEST(Heap, IsNotTouchedPerCharacterTagOrAttribute) {
+  const Use once = Measure(kRepeated, static_cast<std::uint32_t>(kRepeated.size()));
+  const Use often = Measure(kRepeated, 1000000);
+  EXPECT_EQ(often.allocations, once.allocations);
+  EXPECT_LE(once.allocations, 16u);
+}
+
+// What docs/embedding.md promises: less than 16 KiB, and a record for each table.
+constexpr std::int64_t kPeak = 16 * 1024;
+
+TEST(Heap, PeakDoesNotDependOnTheLength) {
+  // Most of it lies outside the card, where text is dropped: the test is about size.
+  const std::string text = std::string(kRepeated) + std::string(200000, 'x');
+  const Use small = Measure(text, 1000000);
+  const Use large = Measure(text, 100000000);
+  EXPECT_LE(small.peak, kPeak);
+  EXPECT_EQ(large.peak, small.peak);
+  EXPECT_EQ(large.allocations, small.allocations);
+}
+
+TEST(Heap, GrowsByARecordForEachTable) {
+  std::string text = "<wml><card>";
+  for (int i = 0; i < 1000; ++i) text += "<table columns=1><td>x</table>";
+  const Use use = Measure(text, static_cast<std::uint32_t>(text.size()));
+  // While the records move to larger storage, both copies exist.
+  EXPECT_LE(use.peak, kPeak + 1000 * 288 * 5 / 2);
+  EXPECT_LE(use.allocations, 60u) << "growing one by one would be quadratic";
+}
+
+}  // namespace
+}  // namespace vs_wml::test
