@@ -57,12 +57,12 @@ int vxfilbuf(VwCharBuffer *buffer) {
   const auto past = static_cast<uint16_t>(buffer->past < kPastMax ? buffer->past + 1 : kPastMax);
   Empty(VwCharPosition(buffer, buffer->end), buffer);
   const uint32_t length = ReadBlock(buffer);
+  buffer->end = buffer->data + length;
+  buffer->data[length] = 0;  // also when the host wrote bytes that it did not deliver
   if (length == 0) {
     buffer->past = past;
     return -1;
   }
-  buffer->end = buffer->data + length;
-  buffer->data[length] = 0;
   return *buffer->next++;
 }
 

@@ -182,6 +182,20 @@ TEST(AwkwardHost, NeedsNoAnswersToStringsAndReferences) {
             std::string::npos);
 }
 
+// A host may use all of the buffer that it was given, whatever it delivers in the end.
+TEST(AwkwardHost, BytesThatWereNotDeliveredAreNotRead) {
+  for (const char *text : {"<wml><card>a", "<wml><card>a<b>b</b>c</card></wml>"}) {
+    BlockSource source(text);
+    Host host;
+    const std::string told = ReadDocument(source, host);
+    EXPECT_EQ(told.find("\\{EE}"), std::string::npos) << told;
+    BlockSource failing(text, 3);
+    failing.faults.readAt = 4;
+    Host other;
+    EXPECT_EQ(ReadDocument(failing, other).find("\\{EE}"), std::string::npos);
+  }
+}
+
 // A table read again from a saved position is not measured again.
 TEST(Table, IsReadAheadOnce) {
   const std::string text =
