@@ -37,6 +37,7 @@ struct BlockSource {
   std::uint32_t chunk;   ///< bytes that one read delivers at most, 0: all it wants
   std::uint32_t position = 0;
   BlockFaults faults;
+  std::uint64_t budget = 0;  ///< every read fails once so many bytes are delivered; 0: none
 
   std::uint64_t reads = 0;
   std::uint64_t seeks = 0;
