@@ -1,0 +1,245 @@
+// The constant tables: their order, ids and content, and the searches that rely on it.
+//
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "elements/attribute_values.h"
+#include "filter/instance.h"
+#include "host/trace.h"
+#include "input/charset.h"
+#include "lexer/name_lookup.h"
+#include "lexer/reference.h"
+#include "tables/column_widths.h"
+
+namespace vs_wml::test {
+namespace {
+
+/// FNV-1a over lines: a slip of a digit or a swapped row in a table changes it.
+class Hash {
+ public:
+  void Line(const std::string &line) {
+    for (const char c : line + '\n') {
+      value_ = (value_ ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
+    }
+  }
+  std::uint64_t Value() const { return value_; }
+
+ private:
+  std::uint64_t value_ = 0xCBF29CE484222325u;
+};
+
+std::string Row(const std::string &name, std::uint32_t value) {
+  return name + ' ' + std::to_string(value);
+}
+
+template <std::size_t count>
+std::uint64_t HashOf(const NameRecord (&table)[count]) {
+  Hash hash;
+  for (const NameRecord &record : table) hash.Line(Row(record.name, record.value));
+  return hash.Value();
+}
+
+template <std::size_t count>
+std::uint64_t HashOf(const std::uint16_t (&table)[count]) {
+  Hash hash;
+  for (const std::uint16_t value : table) hash.Line(std::to_string(value));
+  return hash.Value();
+}
+
+TEST(Tables, HoldTheirRowsInOrder) {
+  EXPECT_EQ(HashOf(WmlInit.tags), 0xF11DE0BB7946A453u);
+  EXPECT_EQ(HashOf(WmlInit.attributes), 0x5B77128C469C16BAu);
+  EXPECT_EQ(HashOf(WmlInit.entities), 0x203142CC87D4A1F9u);
+  EXPECT_EQ(HashOf(WmlInit.colors), 0x4ADFE3363641791Cu);
+  EXPECT_EQ(HashOf(WmlInit.widths), 0xD0FBF0B29B9E5F84u);
+  EXPECT_EQ(HashOf(WmlInit.highControls), 0xBFAC8E1EA8A72DF6u);
+
+  Hash escapes;
+  for (const EscapeRecord &escape : WmlInit.escapes) {
+    escapes.Line(Row(escape.sequence, escape.action));
+  }
+  EXPECT_EQ(escapes.Value(), 0xB14FB71592BFAC6Du);
+
+  Hash keywords;
+  for (const NumberedName &word : WmlInit.keywords) {
+    keywords.Line(Row(word.name, word.number));
+  }
+  EXPECT_EQ(keywords.Value(), 0xA111A8C166B64FEEu);
+
+  Hash units;
+  for (const NumberedName &unit : WmlInit.units) units.Line(Row(unit.name, unit.number));
+  EXPECT_EQ(units.Value(), 0xD6E04601B529FED1u);
+
+  Hash styles;
+  for (const StyleRecord &style : WmlInit.styleTemplates) {
+    EXPECT_EQ(style.reserved, 0);
+    EXPECT_EQ(style.level, 0);
+    std::string line = std::to_string(style.templateId);
+    for (const std::uint32_t field :
+         {std::uint32_t{style.pointSize}, style.charAttrs, style.modeBits,
+          std::uint32_t{style.typeface}, std::uint32_t{style.paraFlags}}) {
+      line += ' ' + std::to_string(field);
+    }
+    styles.Line(line);
+  }
+  EXPECT_EQ(styles.Value(), 0xD9AA538C02888FBCu);
+}
+
+// One name stands twice, the second time out of order.
+TEST(Tables, CharsetNamesAreSortedButForOne) {
+  Hash hash;
+  std::set<std::string> names;
+  for (std::size_t i = 0; i < std::size(WmlInit.charsetNames); ++i) {
+    const NameRecord &record = WmlInit.charsetNames[i];
+    std::string name = record.name;
+    strToLwr(name.data());
+    if (!names.insert(name).second) {
+      EXPECT_EQ(i, 69u);
+      EXPECT_STREQ(record.name, "x-mac-ce");
+      continue;
+    }
+    EXPECT_EQ(name, *names.rbegin()) << "sorted";
+    hash.Line(Row(name, record.value));
+  }
+  EXPECT_EQ(names.size(), 74u);
+  EXPECT_EQ(hash.Value(), 0x3C0968F2F6DB05C5u);
+}
+
+std::string Upper(std::string text) {
+  for (char &c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+  return text;
+}
+
+TEST(Lookup, FindsEveryNameAndNothingElse) {
+  for (const NameRecord &tag : WmlInit.tags) {
+    const auto id = static_cast<std::uint8_t>(tag.value);
+    EXPECT_EQ(&WmlInit.tags[id], &tag) << "a tag's row is its id";
+    EXPECT_EQ(IDTag(tag.name), id);
+    EXPECT_EQ(IDTag(Upper(tag.name).c_str()), id);
+    EXPECT_EQ(IDTag((std::string(tag.name) + "z").c_str()), 0);
+  }
+  for (const NameRecord &attribute : WmlInit.attributes) {
+    EXPECT_EQ(IDAttrib(attribute.name), attribute.value);
+    EXPECT_EQ(IDAttrib(Upper(attribute.name).c_str()), attribute.value);
+    EXPECT_EQ(IDAttrib((std::string(attribute.name) + "z").c_str()), 0);
+  }
+  for (const NameRecord &entity : WmlInit.entities) {
+    EXPECT_LE(std::string(entity.name).size(), 8u);
+    EXPECT_EQ(IDEntity(entity.name), entity.value);
+    EXPECT_EQ(IDEntity((std::string(entity.name) + "\x7F").c_str()), 0);
+  }
+  for (const NameRecord &charset : WmlInit.charsetNames) {
+    EXPECT_EQ(QueryCharsetTable(Upper(charset.name).c_str()), charset.value);
+    EXPECT_EQ(QueryCharsetTable((std::string(charset.name) + ' ').c_str()), CHARSET_UTF8);
+    EXPECT_FALSE(CharsetName(MapCSToSO(static_cast<std::uint16_t>(charset.value))).empty());
+  }
+  for (const char *name : {"", "AMP", "Amp", "euro", "blink", "utf-8", "\xFF"}) {
+    EXPECT_EQ(IDTag(name), 0);
+    EXPECT_EQ(IDAttrib(name), 0);
+    EXPECT_EQ(IDEntity(name), 0);
+    EXPECT_EQ(QueryCharsetTable(name), CHARSET_UTF8);
+  }
+}
+
+TEST(Charsets, ThatHaveNoNameHaveHostCodesToo) {
+  const struct {
+    std::uint16_t id;
+    std::uint32_t host;
+  } codes[] = {{0x801F, 0x80050100}, {0x8022, 0x80080100}, {0x8023, 0x80090100},
+               {0x8024, 0x800A0100}, {0x4003, 0x13A40000}, {0x401A, 0x15510000},
+               {0x2007, 0x14B00000}, {0x1000, 0x14B00000}, {0, 0x14B00000},
+               {0xFFFF, 0x14B00000}, {0x9002, 0x14B00000}, {0x8025, 0x14B00000}};
+  for (const auto &[id, host] : codes) EXPECT_EQ(MapCSToSO(id), host) << std::hex << id;
+}
+
+TEST(References, CountFourDigitsAtMost) {
+  const struct {
+    const char *digits;
+    std::uint16_t value;
+  } numbers[] = {{"65", 65},        {"x41", 0x41},   {"X41", 0x41},      {"0x41", 0x41},
+                 {"0065", 65},      {"12345", 1234}, {"x1F600", 0x1F60}, {"", 0},
+                 {"x", 0},          {"0x", 0},       {"a9", 0},          {"12a4", 12},
+                 {"xFFFF", 0xFFFF}, {"00065", 6},    {"0x00041", 4},     {"x0x41", 0x41}};
+  for (const auto &[digits, value] : numbers) EXPECT_EQ(ConvertVarString(digits), value) << digits;
+}
+
+TEST(Lengths, AreTwipsPercentagesOrColours) {
+  WmlProc proc{};
+  proc.save.emPointSize = 12;
+  const struct {
+    const char *text;
+    std::uint32_t unit;
+    std::uint32_t value;
+  } lengths[] = {
+      {"100", UNIT_PIXELS, 1500},
+      {"100", UNIT_NONE, 100},
+      {"100", UNIT_TWIPS, 100},
+      {"2in", UNIT_PIXELS, 2880},
+      {"3CM", UNIT_PIXELS, 1700},
+      {"10mm", UNIT_PIXELS, 566},
+      {"2em", UNIT_PIXELS, 480},
+      {"7en", UNIT_PIXELS, 7},
+      {"3pi", UNIT_PIXELS, 360},
+      {"5relative", UNIT_PIXELS, 5},
+      {"50%", UNIT_PIXELS, 0xFFFFFFCE},
+      {"3*", UNIT_NONE, 300},
+      {"3*", UNIT_PIXELS, 4500},
+      {"#FF0000", UNIT_PIXELS, 0xFF0000},
+      {"##10", UNIT_PIXELS, 0},
+      {"auto", UNIT_PIXELS, 10},
+      {"\"12px", UNIT_PIXELS, 180},
+      {"\"\"12", UNIT_PIXELS, 0},
+      {"12px\"", UNIT_PIXELS, 180},
+      {"12 px", UNIT_NONE, 12},
+      {"-5", UNIT_PIXELS, 0},
+      {"", UNIT_PIXELS, 0},
+      {"1.5in", UNIT_PIXELS, 2160},
+      {"2.5px", UNIT_PIXELS, 37},
+      {"50.5%", UNIT_PIXELS, 0xFFFFFFCE},
+      {"3.5*", UNIT_NONE, 350},
+      {"1.257in", UNIT_PIXELS, 1800},
+      {"5.", UNIT_PIXELS, 75},
+      {"1.x", UNIT_PIXELS, 15},
+      {"4294967297", UNIT_NONE, 1},  // numbers wrap
+      {"1000cm", UNIT_NONE, 137431},
+      {"4294967295.99cm", UNIT_NONE, 3985729645},
+  };
+  for (const auto &[text, unit, value] : lengths) {
+    EXPECT_EQ(StrToLong(text, unit, &proc), value) << text << " in unit " << unit;
+  }
+}
+
+TEST(ColumnWidths, AreSharedInThreeWays) {
+  const struct {
+    const char *what;
+    std::vector<ColumnExtent> columns;
+    std::vector<std::uint32_t> widths;
+  } tables[] = {
+      {"nothing measured", {{0, 0}, {0, 0}}, {0, 0}},
+      {"everything fits", {{100, 1000}, {5, 7}}, {460, 3}},
+      // 20346 units are 9359.16 twips, one below the page's 9360.
+      {"just fits", {{1, 20346}}, {9359}},
+      // 460 + 4600 * (9360 - 920) / (19320 - 920), and 460 + 13800 of the same.
+      {"shared in proportion", {{1000, 11000}, {1000, 31000}}, {2570, 6790}},
+      {"runs alone are too wide", {{20000, 30000}, {10000, 10000}}, {9200, 4600}},
+      {"sums wrap", {{0, 0x80000000u}, {0, 0x80000000u}}, {0, 0}},
+      {"runs wider than lines", {{40000, 1}, {0, 0}}, {0, 0}},
+  };
+  for (const auto &[what, columns, widths] : tables) {
+    std::vector<std::uint32_t> result(columns.size());
+    DistributeWidths(columns.data(), static_cast<std::uint16_t>(columns.size()), result.data());
+    EXPECT_EQ(result, widths) << what;
+  }
+  // The page grows with the columns: 30 of a quarter inch are 10800 twips.
+  const std::vector<ColumnExtent> many(30, {1, 780});
+  std::vector<std::uint32_t> result(30);
+  DistributeWidths(many.data(), 30, result.data());
+  EXPECT_EQ(result, std::vector<std::uint32_t>(30, 358));
+}
+
+}  // namespace
+}  // namespace vs_wml::test
