@@ -55,7 +55,7 @@ std::string Roff(std::string_view text) {
 
 void PrintHelp(std::ostream &out) {
   out << "Usage: unwml [OPTION]... [FILE|DIR|-]...\n"
-         "Read WML decks as text, HTML, JSON or Markdown. Directories are searched for *.wml.\n\n";
+         "Read WML decks as text, HTML, JSON or Markdown. Walks directories for *.wml.\n\n";
   for (const OptionRow &row : OptionTable()) {
     const std::string names = Names(row);
     out << "  " << names

@@ -11,7 +11,7 @@ constexpr OptionRow kRows[] = {
      "JSON is one object a line. Markdown has pipe tables. The trace has a line for each call "
      "of the filter."},
     {OptionId::kOutput, "-o,--output", "DIR", "DIR",
-     "write a file for each input under DIR, as the inputs lie",
+     "write files under DIR, laid out as the inputs are",
      "Without it everything goes to standard output. A file appears only when it is complete."},
     {OptionId::kWidth, "-w,--width", "N", "", "columns of text (default: the terminal's, or 80)",
      ""},

@@ -9,9 +9,11 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string_view>
 
+#include "files.h"
 #include "host/charset.h"
 #include "manual.h"
 #include "option_table.h"
@@ -106,6 +108,11 @@ std::optional<std::string> Settle(Options &options, const Raw &raw, const CLI::A
   }
   if (app.count("--output") != 0 && options.outputDirectory.empty()) {
     return "--output: no name given";
+  }
+  std::error_code error;
+  if (std::filesystem::exists(options.outputDirectory, error) &&
+      !std::filesystem::is_directory(options.outputDirectory, error)) {
+    return "--output: " + Printable(options.outputDirectory) + " is not a directory";
   }
   if (options.inputs.empty() && options.filesFrom.empty()) {
     if (isatty(STDIN_FILENO) != 0) return "no input: name a FILE, a DIR or -";

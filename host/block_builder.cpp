@@ -338,6 +338,7 @@ void BlockBuilder::ControlCode(std::uint32_t code) {
     FlushCoded();
     text_.Add('\t');
   } else if (code == SO_CONTROL_CARD) {
+    if (inTable_) CloseTable();
     EndParagraph();
     cardSeparated_ = true;
   }
@@ -349,13 +350,11 @@ std::uint32_t BlockBuilder::Break(std::uint32_t kind) {
       EndLine();
       break;
     case SO_BREAK_CELL:
-      if (inTable_) EndCell();
+      // A new card closes the table; what its cells still hold is told as paragraphs.
+      inTable_ ? EndCell() : EndParagraph();
       break;
     case SO_BREAK_ROW:
-      if (inTable_) {
-        rows_.push_back({rowStart_, static_cast<std::uint32_t>(cells_.size()) - rowStart_});
-        rowStart_ = static_cast<std::uint32_t>(cells_.size());
-      }
+      inTable_ ? EndRow() : EndParagraph();
       break;
     case SO_BREAK_DOCUMENT:
       EndDocument();
@@ -496,10 +495,17 @@ void BlockBuilder::EndCell() {
   alignment_ = Alignment::kLeft;
 }
 
+void BlockBuilder::EndRow() {
+  rows_.push_back({rowStart_, static_cast<std::uint32_t>(cells_.size()) - rowStart_});
+  rowStart_ = static_cast<std::uint32_t>(cells_.size());
+}
+
 void BlockBuilder::CloseTable() {
   if (!inTable_) return;
-  inTable_ = false;
   CloseRun();
+  if (runs_.size() > cellStart_) EndCell();
+  if (cells_.size() > rowStart_) EndRow();
+  inTable_ = false;
   if (AsciiPrefix(text_.View()) != text_.Size()) ScaleColumns();
   Table table;
   table.content = CurrentContent();
@@ -587,14 +593,18 @@ std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_
 }
 
 // The value of an attribute as it stands in the tag that the filter has just read: it
-// ends the values that it hands over at an equals sign and at 1023 bytes.
+// takes apostrophes around the values that it hands over for part of them, and ends
+// them at an equals sign and at 1023 bytes.
 std::string BlockBuilder::WholeValue(std::string value, std::string_view tag,
                                      std::string_view attribute) const {
   const SourceTag source = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), tag);
   const auto whole = source.Attribute(attribute);
   if (!whole) return value;
   std::string text = CleanText(TextOfBytes(*whole));
-  return text.starts_with(value) ? text : value;
+  std::string_view start = value;
+  if (start.starts_with('\'')) start.remove_prefix(1);
+  if (start.ends_with('\'')) start.remove_suffix(1);
+  return text.starts_with(start) ? text : value;
 }
 
 // A stored string as text; empty when the index names none of those kept.

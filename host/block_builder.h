@@ -67,6 +67,7 @@ class BlockBuilder {
   void TellParagraph(const Content &content);
   void TrimEnd();
   void EndCell();
+  void EndRow();
   void EndDocument();
   void StartCard();
   void TellCard();

@@ -34,7 +34,7 @@ class BlockSource {
   void SetLimit(std::uint64_t bytes) { limit_ = bytes; }
 
   /// The limit that no sensible document reaches: a multiple of its size.
-  static std::uint64_t SensibleLimit(std::uint64_t size) { return 64 * size + (1U << 20U); }
+  static std::uint64_t SensibleLimit(std::uint64_t size) { return 32 * size + (1U << 22U); }
 
  protected:
   BlockSource();

@@ -248,15 +248,16 @@ std::optional<std::string> DetectByStatistics(std::string_view bytes) {
   status = U_ZERO_ERROR;
   ucsdet_setText(detector.get(), sample.data(), static_cast<std::int32_t>(sample.size()), &status);
   ucsdet_enableInputFilter(detector.get(), true);
-  const UCharsetMatch *match = ucsdet_detect(detector.get(), &status);
-  if (U_FAILURE(status) || match == nullptr) return std::nullopt;
-  if (ucsdet_getConfidence(match, &status) < kDetectorConfidence) return std::nullopt;
-  const char *name = ucsdet_getName(match, &status);
-  if (U_FAILURE(status) || !IsKnownCharset(name)) return std::nullopt;
-  // The text is not well-formed in these, or the bytes would have been taken as such.
-  const std::string_view found = name;
-  if (found.starts_with("UTF-") || found.starts_with("IBM4")) return std::nullopt;
-  return std::string(found);
+  std::int32_t count = 0;
+  const UCharsetMatch **matches = ucsdet_detectAll(detector.get(), &count, &status);
+  for (std::int32_t index = 0; U_SUCCESS(status) && index < count; ++index) {
+    if (ucsdet_getConfidence(matches[index], &status) <= kDetectorConfidence) break;
+    const std::string_view name = ucsdet_getName(matches[index], &status);
+    // The bytes are not well-formed in Unicode's forms, and no phone read EBCDIC.
+    if (name.starts_with("UTF-") || name.starts_with("IBM")) continue;
+    if (IsKnownCharset(name)) return std::string(name);
+  }
+  return std::nullopt;
 }
 
 }  // namespace

@@ -14,12 +14,12 @@ constexpr std::array<std::string_view, 4> kAlignmentName = {"left", "center", "r
 constexpr std::array<std::string_view, 8> kOriginName = {
     "option", "bom", "xml", "meta", "utf-8", "detector", "fallback", "identity"};
 
-constexpr double kTwipsPerPoint = 20;
+constexpr std::uint32_t kHalfPointsPerPoint = 2;
 
 // One object a document, written as the document comes. docs/json.md describes it.
 class JsonWriter : public BlockSink {
  public:
-  explicit JsonWriter(Output &output) : out_(output) {}
+  explicit JsonWriter(Output &output) : out_(output) { writer_.SetMaxDecimalPlaces(2); }
 
   void BeginDocument(const DeckInfo &deck) override {
     writer_.Reset(buffer_);
@@ -60,7 +60,7 @@ class JsonWriter : public BlockSink {
     if (table.alignment != Alignment::kLeft) AlignmentMember(table.alignment);
     Key("columnWidths");
     writer_.StartArray();
-    for (const std::uint32_t width : table.columnWidths) Points(width);
+    for (const std::uint32_t width : table.columnWidths) Length(width, kTwipsPerPixel);
     writer_.EndArray();
     Key("rows");
     writer_.StartArray();
@@ -116,12 +116,12 @@ class JsonWriter : public BlockSink {
   void AlignmentMember(Alignment alignment) {
     Member("align", kAlignmentName[static_cast<std::size_t>(alignment)]);
   }
-  // A length in points, whole numbers without a fraction.
-  void Points(std::uint32_t twips) {
-    if (twips % static_cast<std::uint32_t>(kTwipsPerPoint) == 0) {
-      writer_.Uint(twips / static_cast<std::uint32_t>(kTwipsPerPoint));
+  // A length in units of so many twips, whole numbers without a fraction.
+  void Length(std::uint32_t twips, std::uint32_t unit) {
+    if (twips % unit == 0) {
+      writer_.Uint(twips / unit);
     } else {
-      writer_.Double(twips / kTwipsPerPoint);
+      writer_.Double(static_cast<double>(twips) / unit);
     }
   }
 
@@ -145,7 +145,7 @@ class JsonWriter : public BlockSink {
     if (style.underline) Flag("underline", true);
     if (style.halfPoints != kOrdinaryHalfPoints) {
       Key("size");
-      Points(style.halfPoints * 10U);
+      Length(style.halfPoints, kHalfPointsPerPoint);
     }
     if (style.color != 0) {
       std::array<char, 8> color{};
@@ -167,9 +167,9 @@ class JsonWriter : public BlockSink {
     if (image.hasAlternative) Member("alternative", image.alternative);
     if (image.width != 0 && image.height != 0) {
       Key("width");
-      Points(image.width);
+      Length(image.width, kTwipsPerPixel);
       Key("height");
-      Points(image.height);
+      Length(image.height, kTwipsPerPixel);
     }
     writer_.EndObject();
   }

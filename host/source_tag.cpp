@@ -10,6 +10,8 @@ namespace {
 
 // How far back a tag may begin: all its attributes at their greatest length fit.
 constexpr std::size_t kLongestTag = 16384;
+// How many angle brackets its values may hold.
+constexpr int kMostBrackets = 16;
 
 bool IsSpace(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -54,8 +56,8 @@ SourceTag SourceTag::EndingAt(std::string_view bytes, std::size_t offset, std::s
   offset = std::min(offset, bytes.size());
   const std::size_t begin = offset - std::min(offset, kLongestTag);
   const std::string_view before = bytes.substr(begin, offset - begin);
-  for (std::size_t at = before.rfind('<'); at != std::string_view::npos;
-       at = at == 0 ? std::string_view::npos : before.rfind('<', at - 1)) {
+  std::size_t at = before.rfind('<');
+  for (int bracket = 0; at != std::string_view::npos && bracket < kMostBrackets; ++bracket) {
     std::string_view text = before.substr(at + 1);
     SkipSpace(text);
     if (text.size() > name.size() && EqualsIgnoringCase(text.substr(0, name.size()), name) &&
@@ -63,6 +65,7 @@ SourceTag SourceTag::EndingAt(std::string_view bytes, std::size_t offset, std::s
       tag.attributes_ = text.substr(name.size());
       break;
     }
+    at = at == 0 ? std::string_view::npos : before.rfind('<', at - 1);
   }
   return tag;
 }

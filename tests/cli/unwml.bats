@@ -1,0 +1,170 @@
+#!/usr/bin/env bats
+# unwml as a user meets it: what it writes where, its exit codes and its messages.
+
+bats_require_minimum_version 1.5.0
+
+setup() {
+  cd "$BATS_TEST_TMPDIR" || return 1
+  export LC_ALL=C.UTF-8
+  unset NO_COLOR
+  deck a.wml 'Apple <b>pie</b>'
+}
+
+deck() { # deck FILE TEXT
+  mkdir -p "$(dirname "$1")"
+  echo "<wml><card id='c' title='T'><p>$2</p></card></wml>" >"$1"
+}
+
+unwml() { "$UNWML" "$@"; }
+
+@test "help fits a screen, names every option and has examples" {
+  run unwml --help
+  [ "$status" = 0 ]
+  [ "${#lines[@]}" -le 24 ]
+  for line in "${lines[@]}"; do [ "${#line}" -le 80 ]; done
+  [[ $output == *Examples:* ]]
+  for option in to output width color charset identity files-from jobs help version; do
+    [[ $output == *--$option* ]]
+    [[ $(unwml --print-manual) == *"\-\-${option//-/\\-}"* ]]
+    [[ $(unwml --print-completion) == *--$option* ]]
+  done
+}
+
+@test "the manual page and the completion are well made" {
+  unwml --print-manual >unwml.1
+  if command -v man >/dev/null; then
+    [ -z "$(man --warnings -l unwml.1 2>&1 >/dev/null)" ]
+  fi
+  unwml --print-completion >completion
+  # shellcheck disable=SC1091
+  source completion
+  COMP_WORDS=(unwml --to m) COMP_CWORD=2
+  _unwml
+  [ "${COMPREPLY[*]}" = markdown ]
+}
+
+@test "wrong usage is told and ends with 2" {
+  for arguments in '--to pdf' '--width 0' '--no-such' '--charset nope' '--identity 1152' \
+    '--identity 1151 --charset utf-8' '-j 0' '--to' '- -' '-o a.wml'; do
+    # shellcheck disable=SC2086
+    run unwml $arguments a.wml
+    [ "$status" = 2 ]
+    [[ ${lines[0]} == "unwml: "* ]]
+    [ "${#lines[@]}" = 2 ]
+  done
+  run unwml --to html a.wml a.wml
+  [ "$status" = 2 ]
+}
+
+@test "standard input is read when nothing is named, and as -" {
+  [ "$(unwml <a.wml)" = "$(unwml a.wml)" ]
+  [ "$(unwml - <a.wml)" = "$(unwml a.wml)" ]
+}
+
+@test "what cannot be read is named with the reason, the others are read, the code is 1" {
+  printf '\x7fELF\0\0' >binary.wml
+  echo '<html><p>x' >page.wml
+  : >empty.wml
+  run --separate-stderr unwml a.wml binary.wml page.wml empty.wml missing.wml
+  [ "$status" = 1 ]
+  [[ $output == *"Apple pie"* ]]
+  # shellcheck disable=SC2154
+  [ "${stderr_lines[0]}" = "unwml: binary.wml: binary data, not WML" ]
+  [ "${stderr_lines[1]}" = "unwml: page.wml: HTML, not WML" ]
+  [ "${stderr_lines[2]}" = "unwml: empty.wml: empty document" ]
+  [ "${stderr_lines[3]}" = "unwml: missing.wml: No such file or directory" ]
+}
+
+@test "names cannot drive the terminal" {
+  run unwml $'\e[31mred.wml'
+  [ "$status" = 1 ]
+  [ "$output" = "unwml: ?[31mred.wml: No such file or directory" ]
+  deck $'b\e.wml' b
+  run unwml $'b\e.wml' a.wml
+  [[ $output != *$'\e'* ]]
+}
+
+@test "-o mirrors the tree and leaves nothing half-written" {
+  deck in/b/c.wml pear
+  deck in/b/d.WML plum
+  deck in/e.txt fig
+  echo nothing >in/f.wml
+  run unwml -t markdown -o out in a.wml ./in/e.txt
+  [ "$status" = 1 ]
+  [ "$(cd out && find . -type f | sort | tr '\n' ' ')" = "./a.md ./b/c.md ./b/d.md ./in/e.md " ]
+  [ "$(cat out/b/c.md)" = $'## T\n\npear' ]
+  [ "$(stat -c %a out/a.md)" = "$(stat -c %a a.wml)" ]
+}
+
+@test "two inputs with one output are not mixed up" {
+  deck x/a.wml one
+  deck y/a.wml two
+  run unwml -o out x y
+  [ "$status" = 1 ]
+  [[ $output == *"is that of another input"* ]]
+  grep -q one out/a.txt
+}
+
+@test "--files-from takes lines and NULs, from a file and from standard input" {
+  deck 'with blank.wml' second
+  printf 'a.wml\nwith blank.wml\n' >lines
+  run unwml --files-from lines
+  [ "$status" = 0 ]
+  [[ $output == *Apple*second* ]]
+  [ "$(printf 'a.wml\0with blank.wml\0' | unwml --files-from -)" = "$output" ]
+  run unwml --files-from nowhere
+  [ "$status" = 1 ]
+  [ "$output" = "unwml: nowhere: No such file or directory" ]
+}
+
+@test "any number of threads gives the same output in the same order" {
+  for i in $(seq 200); do deck "many/$((i % 7))/$i.wml" "number $i"; done
+  echo broken >many/3/broken.wml
+  run unwml -t json many
+  [ "$status" = 1 ]
+  expected=$output
+  for jobs in 2 5; do
+    run unwml -t json -j $jobs many
+    [ "$status" = 1 ]
+    [ "$output" = "$expected" ]
+  done
+}
+
+@test "a full disk and a closed pipe end cleanly" {
+  for i in $(seq 500); do deck "many/$i.wml" "number $i"; done
+  if [ -e /dev/full ]; then
+    for jobs in 1 3; do
+      run bash -c '"$0" -j '$jobs' many >/dev/full' "$UNWML"
+      [ "$status" = 1 ]
+      [ "$output" = "unwml: standard output: No space left on device" ]
+    done
+  fi
+  for jobs in 1 3; do
+    run bash -c '"$0" -j '$jobs' many | head -n 1; exit "${PIPESTATUS[0]}"' "$UNWML"
+    [ "$status" = 0 ]
+    [ "${#lines[@]}" = 1 ]
+  done
+}
+
+@test "text is styled only when asked for or on a terminal" {
+  [[ $(unwml a.wml) != *$'\e'* ]]
+  [[ $(unwml --color always a.wml) == *$'\e[0;1mpie\e[0m'* ]]
+  if command -v script >/dev/null; then
+    TERM=xterm script -qec "'$UNWML' a.wml" /dev/null </dev/null | grep -q $'\e'
+    ! NO_COLOR=1 TERM=xterm script -qec "'$UNWML' a.wml" /dev/null </dev/null | grep -q $'\e'
+  fi
+}
+
+@test "a trace has a line for each call" {
+  run unwml -t trace --identity 1151 a.wml
+  [ "$status" = 0 ]
+  [[ $output == *'SOEmitChar "pie"'* ]]
+  [ "${lines[-1]}" = "SOEmitBreak document" ]
+}
+
+@test "JSON keeps to its schema" {
+  command -v python3 >/dev/null && python3 -c 'import jsonschema' || skip "no jsonschema"
+  printf '<?xml encoding="nope"?><wml><card><p>\xe9<img src="a" width="3" height="5"/>' >odd.wml
+  unwml -t json odd.wml "$VS_WML_SOURCE"/{examples/decks,tests/host/cases}/*.wml |
+    python3 "$VS_WML_SOURCE/tests/cli/json_schema.py" "$VS_WML_SOURCE/docs/unwml.schema.json"
+}

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+//
+// Widths, lines and targets.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "host/target.h"
+#include "host/text_layout.h"
+#include "host/utf8.h"
+
+namespace vs_wml {
+namespace {
+
+TEST(Utf8, IllFormedSequencesAreFoundAndReplaced) {
+  const struct {
+    std::string text;
+    std::string repaired;
+  } cases[] = {
+      {"ascii é 日 😀", "ascii é 日 😀"},
+      {"\x80", "\xEF\xBF\xBD"},
+      {"\xC0\xAF", "\xEF\xBF\xBD\xEF\xBF\xBD"},                    // overlong
+      {"\xE0\x80\x80x", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBDx"},  // overlong
+      {"\xF4\x90\x80\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {"a\xF0\x9F\x98", "a\xEF\xBF\xBD"},  // cut short: one for the longest start
+      {"\xE6\x97z", "\xEF\xBF\xBDz"},
+  };
+  for (const auto &item : cases) {
+    EXPECT_EQ(RepairUtf8(item.text), item.repaired) << item.text;
+    EXPECT_EQ(IsValidUtf8(item.text), item.text == item.repaired) << item.text;
+  }
+}
+
+TEST(TextLayout, ColumnsAreThoseOfATerminal) {
+  EXPECT_EQ(ColumnWidth("abc"), 3U);
+  EXPECT_EQ(ColumnWidth("日本"), 4U);
+  EXPECT_EQ(ColumnWidth("ｱｲ"), 2U);
+  EXPECT_EQ(ColumnWidth("e\xCC\x81"), 1U);
+  EXPECT_EQ(ColumnWidth("😀"), 2U);
+}
+
+TEST(TextLayout, LinesBreakWhereWordsEnd) {
+  const struct {
+    const char *text;
+    std::size_t width;
+    LongWords longWords;
+    std::vector<std::string> lines;
+  } cases[] = {
+      {"", 10, LongWords::kKeep, {""}},
+      {"one two three", 7, LongWords::kKeep, {"one two", "three"}},
+      {"one two three", 8, LongWords::kKeep, {"one two", "three"}},
+      {"one  two", 4, LongWords::kKeep, {"one", "two"}},
+      {"a incomprehensible b", 5, LongWords::kKeep, {"a", "incomprehensible", "b"}},
+      {"a incomprehensible b", 5, LongWords::kBreak, {"a", "incom", "prehe", "nsibl", "e b"}},
+      {"été à là", 5, LongWords::kKeep, {"été à", "là"}},
+      {"日本語テスト", 6, LongWords::kKeep, {"日本語", "テスト"}},
+      {"日本語。続", 6, LongWords::kKeep, {"日本", "語。続"}},  // no line begins with a full stop
+      {"a\nb c", 9, LongWords::kKeep, {"a", "b c"}},
+      {"word ", 4, LongWords::kKeep, {"word"}},
+  };
+  for (const auto &item : cases) {
+    const std::string text = item.text;
+    std::vector<Line> lines;
+    BreakLines(text, 0, text.size(), item.width, item.longWords, lines);
+    std::vector<std::string> found;
+    for (const Line &line : lines) {
+      found.push_back(text.substr(line.begin, line.end - line.begin));
+      EXPECT_EQ(line.columns, ColumnWidth(found.back())) << text;
+    }
+    EXPECT_EQ(found, item.lines) << text;
+  }
+}
+
+TEST(Target, OnlySchemesThatRunNothingAreFollowed) {
+  for (const char *target : {"", "a.wml", "#card", "../x?y=z:1", "http://x/", "HTTPS://x/",
+                             "mailto:a@b", "tel:1", "wtai://wp/mc;1", "//host/x", "a/b:c"}) {
+    EXPECT_TRUE(IsSafeTarget(target)) << target;
+  }
+  for (const char *target : {"javascript:alert(1)", "JavaScript:x", " java\tscript:x",
+                             "\x01javascript:x", "data:text/html,x", "vbscript:x",
+                             "file:///etc/passwd", "blob:x", "java\nscript:x", ":x", "x y:z"}) {
+    EXPECT_FALSE(IsSafeTarget(target)) << target;
+  }
+  EXPECT_TRUE(IsSafeSource("pics/a.wbmp"));
+  EXPECT_FALSE(IsSafeSource("data:image/svg+xml,x"));
+  EXPECT_EQ(BaseName("http://h/a/b.wbmp?x=/y#z"), "b.wbmp");
+}
+
+}  // namespace
+}  // namespace vs_wml
