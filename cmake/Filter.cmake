@@ -27,19 +27,30 @@ set(VS_WML_SOURCES
     tables/table_output.cpp
     tables/table_scan.cpp)
 
-# The objects are what the shared library and the tests of its inside are made of.
-add_library(vs_wml_objects OBJECT ${VS_WML_SOURCES})
-target_include_directories(vs_wml_objects PRIVATE ${PROJECT_SOURCE_DIR})
-set_target_properties(
-  vs_wml_objects PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
-                            VISIBILITY_INLINES_HIDDEN ON)
-target_compile_options(vs_wml_objects PRIVATE -fno-exceptions -fno-rtti)
-target_compile_definitions(
-  vs_wml_objects PRIVATE VS_WML_BUILD_DATE="${VS_WML_BUILD_DATE}"
-                         VS_WML_BUILD_TIME="${VS_WML_BUILD_TIME}")
-vs_wml_warnings(vs_wml_objects)
+function(vs_wml_filter_code target)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  set_target_properties(
+    ${target} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
+                         VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE -fno-exceptions -fno-rtti)
+  target_compile_definitions(${target} PRIVATE VS_WML_BUILD_DATE="${VS_WML_BUILD_DATE}"
+                                               VS_WML_BUILD_TIME="${VS_WML_BUILD_TIME}")
+  vs_wml_warnings(${target})
+endfunction()
 
-add_library(vs_wml SHARED $<TARGET_OBJECTS:vs_wml_objects>)
+# The objects by themselves, for the tests of the library's inside.
+add_library(vs_wml_objects OBJECT EXCLUDE_FROM_ALL ${VS_WML_SOURCES})
+vs_wml_filter_code(vs_wml_objects)
+
+add_library(vs_wml SHARED ${VS_WML_SOURCES})
+vs_wml_filter_code(vs_wml)
+# Optimised as a whole: the small functions of one subsystem are called from the loops of
+# another.
+include(CheckIPOSupported)
+check_ipo_supported(RESULT VS_WML_HAS_IPO OUTPUT VS_WML_IPO_OUTPUT LANGUAGES CXX)
+if(VS_WML_HAS_IPO AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  set_target_properties(vs_wml PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
+endif()
 add_library(vs_wml::vs_wml ALIAS vs_wml)
 # Linked as C, and without the C++ libraries that CMake adds for C++ objects: a use of the C++
 # runtime is an undefined symbol then.

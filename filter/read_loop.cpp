@@ -136,10 +136,11 @@ void ReadItems(char *text, WmlProc *proc) {
   }
   SOSwitchCharset(MapCSToSO(proc->save.curCharset), proc);
   if (proc->input == nullptr) proc->stopFlags |= STOP_END_OF_INPUT;
+  TextRun run = MakeTextRun(proc);
   ItemRecord item;
   uint16_t ch;
   while (proc->stopFlags == 0) {
-    if (*proc->input->next != '<') SendTextRun(proc);
+    if (*proc->input->next != '<') SendTextRun(&run, proc);
     ReadNextItem(&item, &ch, text, proc);
     if (proc->stopFlags == 0) HandleItem(&item, ch, text, proc);
   }

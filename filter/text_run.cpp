@@ -59,27 +59,23 @@ HighBytes HighBytesOf(uint16_t charset, uint8_t leadSet) {
                                                                : HIGH_AS_THEY_ARE;
 }
 
-struct TextRun {
-  const SendTable *table;
-  uint8_t leadSet;
-  bool preformatted;
-  bool inTable;
-};
+// The modes and decoder states that the sending of text depends on.
+constexpr uint32_t kModes =
+    MODE_PRE | MODE_LITERAL | MODE_IN_HEAD | MODE_IN_CARD | MODE_IN_TABLE | MODE_IN_CELL;
 
-// False where plain text is not simply sent.
-bool BeginRun(const WmlProc *proc, TextRun *run) {
-  const WmlSave &save = proc->save;
+uint32_t StateOf(const WmlSave &save) {
+  static_assert((kModes & CS_SINGLE_SHIFT) == 0);
+  return (save.modeFlags & kModes) | (save.charsetState & CS_SINGLE_SHIFT) |
+         uint32_t{save.curCharset} << 16;
+}
+static_assert(kModes <= 0xFFFF);
+
+bool SendsPlainText(const WmlSave &save) {
   const uint32_t mode = save.modeFlags;
   constexpr uint32_t kTested = MODE_IN_CARD | MODE_IN_HEAD | MODE_LITERAL;
   if ((mode & kTested) != MODE_IN_CARD || (save.charsetState & CS_SINGLE_SHIFT)) return false;
   if (save.curCharset == CHARSET_JIS_X0208) return false;
-  run->preformatted = (mode & MODE_PRE) != 0;
-  run->inTable = (mode & MODE_IN_TABLE) != 0;
-  if (run->inTable && !run->preformatted && (mode & MODE_IN_CELL) == 0) return false;
-  run->leadSet = LeadSet(save.curCharset);
-  const HighBytes high = HighBytesOf(save.curCharset, run->leadSet);
-  run->table = run->preformatted ? &kPreformatted[high] : &kOrdinary[high];
-  return true;
+  return (mode & MODE_PRE) || (mode & (MODE_IN_TABLE | MODE_IN_CELL)) != MODE_IN_TABLE;
 }
 
 void Send(uint16_t c, const uint8_t *behind, VwCharBuffer *input, WmlProc *proc) {
@@ -146,12 +142,27 @@ Taken TakeReference(const uint8_t *at, uint16_t last, WmlProc *proc) {
 
 }  // namespace
 
-void SendTextRun(WmlProc *proc) {
-  TextRun run;
-  if (!BeginRun(proc, &run)) return;
+[[gnu::noinline]] TextRun MakeTextRun(const WmlProc *proc) {
+  const WmlSave &save = proc->save;
+  TextRun run = {};
+  run.state = StateOf(save);
+  run.sends = SendsPlainText(save);
+  run.preformatted = (save.modeFlags & MODE_PRE) != 0;
+  run.inTable = (save.modeFlags & MODE_IN_TABLE) != 0;
+  run.leadSet = LeadSet(save.curCharset);
+  const HighBytes high = HighBytesOf(save.curCharset, run.leadSet);
+  run.table = (run.preformatted ? kPreformatted[high] : kOrdinary[high]).of;
+  return run;
+}
+
+[[gnu::noinline]] void SendTextRun(TextRun *kept, WmlProc *proc) {
+  if (kept->state != StateOf(proc->save)) *kept = MakeTextRun(proc);
+  if (!kept->sends) return;
+  const TextRun &run = *kept;
   VwCharBuffer *const input = proc->input;
   const uint8_t *const end = input->end;
-  const uint32_t *const table = run.table->of;
+  const uint32_t *const table = run.table;
+  const uint8_t leadSet = run.leadSet;
   uint16_t last = proc->save.lastChar;
   const uint32_t *half = table + (IsBlank(last) ? kAfterBlank : 0);
   for (const uint8_t *at = input->next;;) {
@@ -162,8 +173,8 @@ void SendTextRun(WmlProc *proc) {
       half = table + (entry >> 16);
     } else if (at == end || *at == '<') {
       break;
-    } else if (IsLeadByte(run.leadSet, *at) && at + 1 != end) {
-      last = DecodePair(run.leadSet, at[0], at[1]);
+    } else if (IsLeadByte(leadSet, *at) && at + 1 != end) {
+      last = DecodePair(leadSet, at[0], at[1]);
       at += 2;
       Send(last, at, input, proc);
       half = table;

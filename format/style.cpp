@@ -122,11 +122,11 @@ void StyleSelect(ItemRecord *item, WmlProc *proc) {
 namespace {
 
 void SendCharAttributes(uint32_t from, uint32_t to, WmlProc *proc) {
+  const uint32_t changed = from ^ to;
   for (const CharAttribute &attribute : kCharAttributes) {
-    const bool was = (from & attribute.set) != 0;
-    const bool is = (to & attribute.set) != 0;
-    if (was != is) {
-      SOSetProperty(PROP_CHAR_ATTRIBUTE, attribute.property, is ? 1 : 0, 0, proc);
+    if (changed & attribute.set) {
+      const bool on = (to & attribute.set) != 0;
+      SOSetProperty(PROP_CHAR_ATTRIBUTE, attribute.property, on ? 1 : 0, 0, proc);
     }
   }
 }
@@ -137,23 +137,33 @@ void SendLayout(const StyleRecord &style, WmlProc *proc) {
                 proc);
 }
 
+void SendWholeStyle(const StyleRecord &style, WmlProc *proc) {
+  SendCharAttributes(0, style.charAttrs, proc);
+  SOSetCharSize(2u * style.pointSize, proc);
+  SendLayout(style, proc);
+  PutTypeface(style.typeface, proc);
+  proc->save.modeFlags |= style.modeBits;
+  OptionParaBreak(proc);
+}
+
+void SendDifference(const StyleRecord &from, const StyleRecord &to, WmlProc *proc) {
+  if (from.charAttrs != to.charAttrs) SendCharAttributes(from.charAttrs, to.charAttrs, proc);
+  if (from.pointSize != to.pointSize) SOSetCharSize(2u * to.pointSize, proc);
+  if ((from.paraFlags ^ to.paraFlags) & PARA_LAYOUT_MASK) SendLayout(to, proc);
+  if (from.typeface != to.typeface) PutTypeface(to.typeface, proc);
+  proc->save.modeFlags &= ~(from.modeBits & ~to.modeBits);
+  proc->save.modeFlags |= to.modeBits & ~from.modeBits;
+}
+
 }  // namespace
 
 void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc) {
   if (to == nullptr) return;
-  WmlSave &save = proc->save;
-  const uint32_t fromAttrs = from != nullptr ? from->charAttrs : 0;
-  if (fromAttrs != to->charAttrs) SendCharAttributes(fromAttrs, to->charAttrs, proc);
-  if (from == nullptr || from->pointSize != to->pointSize) {
-    SOSetCharSize(2u * to->pointSize, proc);
+  if (from == nullptr) {
+    SendWholeStyle(*to, proc);
+  } else {
+    SendDifference(*from, *to, proc);
   }
-  if (from == nullptr || ((from->paraFlags ^ to->paraFlags) & PARA_LAYOUT_MASK) != 0) {
-    SendLayout(*to, proc);
-  }
-  if (from == nullptr || from->typeface != to->typeface) PutTypeface(to->typeface, proc);
-  if (from != nullptr) save.modeFlags &= ~(from->modeBits & ~to->modeBits);
-  save.modeFlags |= from != nullptr ? to->modeBits & ~from->modeBits : to->modeBits;
-  if (from == nullptr) OptionParaBreak(proc);
 }
 
 void StyleUpdate(WmlProc *proc) {

@@ -1,7 +1,5 @@
 #include "format/tag_stack.h"
 
-#include <cstring>
-
 #include "elements/tag_processing.h"
 #include "format/style.h"
 
@@ -23,9 +21,7 @@ void SendStyleChange(uint16_t from, uint16_t to, WmlProc *proc) {
 // Takes one element out of the stack. Styles are neither sent nor changed.
 void TagStackElemRemove(int16_t index, WmlProc *proc) {
   WmlSave &save = proc->save;
-  TagStackElem *element = &save.tagStack[index];
-  const auto above = static_cast<size_t>(save.tagStackTop - index);
-  std::memmove(element, element + 1, above * sizeof(TagStackElem));
+  for (int16_t i = index; i < save.tagStackTop; ++i) save.tagStack[i] = save.tagStack[i + 1];
   --save.tagStackTop;
 }
 

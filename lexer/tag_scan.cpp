@@ -162,21 +162,41 @@ bool ScanTag(ItemRecord *item, WmlProc *proc) {
   return true;
 }
 
-// A plain ASCII value in which nothing is a mark is the same to both word readers.
+namespace {
+
+// The bytes that both word readers take as they are inside double quotes, apart from the
+// quote itself.
+struct PlainBytes {
+  bool of[256];
+};
+
+constexpr PlainBytes MakePlainBytes(bool isReference) {
+  PlainBytes plain = {};
+  for (int b = ' '; b < 0x80; ++b) plain.of[b] = true;
+  plain.of['"'] = false;
+  if (isReference) {
+    plain.of['<'] = plain.of['>'] = plain.of['='] = plain.of['!'] = false;
+  } else {
+    plain.of['&'] = false;
+    plain.of['\n'] = plain.of['\r'] = plain.of['\t'] = true;
+  }
+  return plain;
+}
+
+constexpr PlainBytes kPlainValue = MakePlainBytes(false);
+constexpr PlainBytes kPlainReference = MakePlainBytes(true);
+
+}  // namespace
+
 bool ScanQuotedWord(bool isReference, WordBuffer *word, WmlProc *proc) {
   VwCharBuffer *input = proc->input;
   const uint8_t *at = input->next;
   if (*at != '"' || proc->save.curCharset == CHARSET_JIS_X0208 || at[1] == '>') return false;
+  const bool *plain = isReference ? kPlainReference.of : kPlainValue.of;
   const uint8_t *begin = ++at;
-  for (; *at != '"'; ++at) {
-    const ByteClass c = kBytes.of[*at];
-    const bool blank = c == BLANK && (*at == ' ' || !isReference);
-    const bool mark = c == MARK && (*at == '/' || !isReference);
-    const bool ampersand = *at == '&' && isReference;
-    if (c != NAME && c != QUOTE && !blank && !mark && !ampersand) return false;
-  }
+  while (plain[*at]) ++at;
   const auto length = static_cast<size_t>(at - begin);
-  if (length > word->max) return false;
+  if (*at != '"' || length > word->max) return false;
   std::memcpy(word->bytes, begin, length);
   word->bytes[length] = 0;
   word->length = static_cast<uint16_t>(length);

@@ -32,27 +32,34 @@ void DescribeRow(const TableRecord &table, const WmlProc *proc) {
   SODescribeRow(&row, proc);
 }
 
-void DescribeCell(const TableRecord &table, uint16_t column, const WmlProc *proc) {
-  const bool begun = (proc->cellFlags[column] & CELL_BEGUN) != 0;
-  const uint32_t tableShade = proc->save.tableShade;
+// What the descriptions of a table's cells have in common.
+CellDescription MakeCell(const TableRecord &table, const WmlSave &save) {
   CellDescription cell = {};
   cell.size = sizeof cell;
-  cell.width = table.columnWidth[column];
   cell.constant1 = 13;
   cell.constant2 = 255;
-  cell.cellShade = begun ? proc->cellShade[column] : tableShade;
-  cell.tableShade = tableShade;
+  cell.tableShade = save.tableShade;
   SideDescription side = {};
   side.width = table.cellBorderWidth;
-  side.color = ~proc->save.backgroundColor & 0x00FFFFFF;
+  side.color = ~save.backgroundColor & 0x00FFFFFF;
   cell.left = cell.right = cell.top = cell.bottom = side;
-  SODescribeCell(&cell, proc);
+  return cell;
+}
+
+void DescribeCells(const TableRecord &table, const WmlProc *proc) {
+  CellDescription cell = MakeCell(table, proc->save);
+  for (uint16_t c = 0; c < table.columnCount; ++c) {
+    const bool begun = (proc->cellFlags[c] & CELL_BEGUN) != 0;
+    cell.width = table.columnWidth[c];
+    cell.cellShade = begun ? proc->cellShade[c] : cell.tableShade;
+    SODescribeCell(&cell, proc);
+  }
 }
 
 void TableEndRow(WmlProc *proc) {
   const TableRecord &table = *proc->currentTable;
   DescribeRow(table, proc);
-  for (uint16_t c = 0; c < table.columnCount; ++c) DescribeCell(table, c, proc);
+  DescribeCells(table, proc);
   for (uint16_t c = 0; c < table.columnCount; ++c) proc->cellFlags[c] = 0;
   proc->save.cellIndex = 0;
   ForceRowBreak(proc);

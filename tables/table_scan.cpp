@@ -107,12 +107,16 @@ bool IsBlank(uint16_t c) {
   return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
 
+uint32_t CharWidth(uint16_t c, const TableScan &scan) {
+  return c < 128 ? scan.proc->asciiWidths.of[c] : WMLGetCharWidth(c, scan.style);
+}
+
 void MeasureChar(uint16_t c, TableScan *scan) {
   ColumnExtent *column = CurrentColumn(scan);
   if (!scan->inCell || c == 0 || column == nullptr) return;
   const bool blank = IsBlank(c);
   if (blank && scan->prevChar == ' ') return;
-  const uint32_t width = WMLGetCharWidth(c, scan->style);
+  const uint32_t width = CharWidth(c, *scan);
   scan->lineWidth += width;
   Raise(scan->lineWidth, &column->lineMax);
   if (blank || scan->multiByte) {
@@ -138,28 +142,30 @@ constexpr ByteClasses kBytes = [] {
   return bytes;
 }();
 
-// What MeasureChar does for the plain characters from `at` on; the place behind them.
+// A line that could wrap at 32 bits within a buffer is measured character by character.
+constexpr uint32_t kLineFar = 0xF0000000;
+
+// What MeasureChar does for the plain characters and white space from `at` on; the
+// place behind them.
 const uint8_t *MeasurePlain(const uint8_t *at, ColumnExtent *column, TableScan *scan) {
   const uint16_t *widths = scan->proc->asciiWidths.of;
-  uint32_t line = scan->lineWidth;
-  uint32_t word = scan->wordWidth;
-  uint16_t prev = scan->prevChar;
-  for (;; ++at) {
-    const ByteClass kind = kBytes.of[*at];
-    if (kind == OTHER) break;
-    if (kind == WHITE && prev == ' ') continue;
-    line += widths[*at];
-    word += widths[*at];
-    Raise(line, &column->lineMax);
-    if (kind == WHITE || scan->multiByte) {
-      Raise(word - widths[*at], &column->wordMax);
-      word = 0;
+  for (;;) {
+    const uint8_t *begin = at;
+    uint32_t width = 0;
+    while (kBytes.of[*at] == PLAIN) width += widths[*at++];
+    if (at != begin) {
+      scan->lineWidth += width;
+      if (scan->multiByte) {
+        EndRun(scan);
+      } else {
+        scan->wordWidth += width;
+      }
+      scan->prevChar = at[-1];
     }
-    prev = *at;
+    if (kBytes.of[*at] != WHITE) break;
+    MeasureChar(*at++, scan);
   }
-  scan->lineWidth = line;
-  scan->wordWidth = word;
-  scan->prevChar = prev;
+  Raise(scan->lineWidth, &column->lineMax);
   return at;
 }
 
@@ -171,6 +177,7 @@ void MeasureRun(TableScan *scan) {
   ColumnExtent *column = CurrentColumn(scan);
   const uint8_t *at = input->next;
   if (scan->inCell && column != nullptr) {
+    if (scan->lineWidth > kLineFar) return;
     input->next = MeasurePlain(at, column, scan);
   } else {
     while (kBytes.of[*at] != OTHER) ++at;
