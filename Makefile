@@ -20,7 +20,7 @@ build: deps ## build the library, unwml and the tests in build/release
 	@cmake --build --preset $(PRESET) -j $(JOBS)
 
 demo: build ## read a shipped deck
-	@$(BUILD)/examples/plain_text examples/decks/harbour.wml
+	@$(BUILD)/cli/unwml examples/decks/harbour.wml
 
 test: build ## build and run all tests
 	@ctest --preset $(PRESET) -j $(JOBS)

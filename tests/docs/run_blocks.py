@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the code blocks of a Markdown file, in order, in one scratch directory.
 
-usage: run_blocks.py FILE.md [--ci] [--examples DIR]
+usage: run_blocks.py FILE.md [--ci] [--examples DIR] [--extract NAME]
 
 Every fenced block has a comment on the line before it that says how it is tested:
 
@@ -12,7 +12,8 @@ Every fenced block has a comment on the line before it that says how it is teste
   <!-- test: skip REASON -->    not run
 
 A block without such a comment is a failure, and so is a file without blocks to run.
---examples copies a folder into the scratch directory as `examples`.
+--examples copies a folder into the scratch directory as `examples`. --extract prints the
+block that would be written to NAME, and runs nothing.
 """
 import argparse
 import pathlib
@@ -71,12 +72,23 @@ def test(mark, content, directory, last_output):
     return last_output, None
 
 
+def extract(file, name):
+    for _, mark, content in blocks(file.read_text(encoding="utf-8")):
+        if mark == f"file {name}":
+            print(content, end="")
+            return 0
+    return 1
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("file", type=pathlib.Path)
     parser.add_argument("--ci", action="store_true")
     parser.add_argument("--examples", type=pathlib.Path)
+    parser.add_argument("--extract", metavar="NAME")
     options = parser.parse_args()
+    if options.extract:
+        return extract(options.file, options.extract)
 
     passed = failed = 0
     scratch = pathlib.Path(tempfile.mkdtemp(prefix="vs_wml-docs-"))
