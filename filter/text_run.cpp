@@ -42,7 +42,7 @@ constexpr SendTable MakeTable(HighBytes high, bool preformatted) {
     table.of[byte] = sent;
     table.of[byte + kAfterBlank] = byte == ' ' && !preformatted ? 0 : sent;
   }
-  if (!preformatted) table.of['\n'] = table.of['\r'] = Sends(' ');
+  if (!preformatted) table.of[0x0A] = table.of[0x0D] = Sends(' ');  // line ends
   return table;
 }
 

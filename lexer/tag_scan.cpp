@@ -22,10 +22,13 @@ constexpr ByteClasses kBytes = [] {
   ByteClasses bytes = {};
   for (int b = 0; b < 0x20; ++b) bytes.of[b] = ODD;
   for (int b = 0x80; b < 0x100; ++b) bytes.of[b] = HIGH;
-  bytes.of[' '] = bytes.of['\t'] = bytes.of['\n'] = bytes.of['\r'] = BLANK;
-  bytes.of['<'] = bytes.of['>'] = bytes.of['='] = bytes.of['/'] = bytes.of['!'] = MARK;
-  bytes.of['"'] = bytes.of['\''] = QUOTE;
-  bytes.of['&'] = ODD;
+  const auto set = [&bytes](const char *characters, ByteClass which) {
+    for (; *characters != 0; ++characters) bytes.of[static_cast<uint8_t>(*characters)] = which;
+  };
+  set(" \t\n\r", BLANK);
+  set("<>=/!", MARK);
+  set("\"'", QUOTE);
+  set("&", ODD);
   return bytes;
 }();
 
