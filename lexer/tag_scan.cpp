@@ -175,14 +175,12 @@ struct PlainBytes {
 
 constexpr PlainBytes MakePlainBytes(bool isReference) {
   PlainBytes plain = {};
+  const auto set = [&plain](const char *characters, bool value) {
+    for (; *characters != 0; ++characters) plain.of[static_cast<uint8_t>(*characters)] = value;
+  };
   for (int b = ' '; b < 0x80; ++b) plain.of[b] = true;
-  plain.of['"'] = false;
-  if (isReference) {
-    plain.of['<'] = plain.of['>'] = plain.of['='] = plain.of['!'] = false;
-  } else {
-    plain.of['&'] = false;
-    plain.of['\n'] = plain.of['\r'] = plain.of['\t'] = true;
-  }
+  set(isReference ? "\"<>=!" : "\"&", false);
+  if (!isReference) set("\n\r\t", true);
   return plain;
 }
 

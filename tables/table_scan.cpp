@@ -137,8 +137,11 @@ struct ByteClasses {
 constexpr ByteClasses kBytes = [] {
   ByteClasses bytes = {};
   for (int b = '!'; b < 0x80; ++b) bytes.of[b] = PLAIN;
-  bytes.of['<'] = bytes.of['&'] = bytes.of['$'] = bytes.of['/'] = OTHER;
-  bytes.of[' '] = bytes.of['\n'] = bytes.of['\r'] = bytes.of['\t'] = WHITE;
+  const auto set = [&bytes](const char *characters, ByteClass which) {
+    for (; *characters != 0; ++characters) bytes.of[static_cast<uint8_t>(*characters)] = which;
+  };
+  set("<&$/", OTHER);
+  set(" \n\r\t", WHITE);
   return bytes;
 }();
 
