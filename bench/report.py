@@ -20,7 +20,7 @@ FLOOR, FILTER = "floor", "vs_wml"
 
 
 class Bench:
-    def __init__(self, programs, size, rounds, libraries):
+    def __init__(self, programs, size, rounds, libraries=()):
         self.programs = pathlib.Path(programs)
         self.size = size
         self.rounds = rounds
@@ -164,15 +164,19 @@ def report_pieces(bench):
                    stderr=subprocess.DEVNULL)
 
 
+def add_bench_arguments(parser, size, rounds):
+    parser.add_argument("programs", help="folder of the built benchmarks: build/bench/bench")
+    parser.add_argument("--size", type=int, default=size, help=f"bytes of a deck ({size})")
+    parser.add_argument("--rounds", type=int, default=rounds, help=f"of which the shortest counts ({rounds})")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("programs", help="folder of the built benchmarks: build/bench/bench")
+    add_bench_arguments(parser, size=10000000, rounds=9)
     parser.add_argument("--part", choices=PARTS, action="append", help="only that part")
     parser.add_argument("--library", action="append", default=[],
                         help="another build of the filter to compare with")
-    parser.add_argument("--size", type=int, default=10000000, help="bytes of a deck")
-    parser.add_argument("--rounds", type=int, default=9)
     arguments = parser.parse_args()
     bench = Bench(arguments.programs, arguments.size, arguments.rounds, arguments.library)
     print_machine()
