@@ -117,14 +117,14 @@ void ProcessBeginTag(ItemRecord *item, WmlProc *proc) {
   }
 }
 
-void ProcessEndTag(const ItemRecord *item, WmlProc *proc) {
+void ProcessEndTag(const ItemRecord &item, WmlProc *proc) {
   uint32_t &modeFlags = proc->save.modeFlags;
   if (modeFlags & MODE_IN_HEAD) {
-    if (item->tagId == TAG_HEAD) modeFlags &= ~MODE_IN_HEAD;
+    if (item.tagId == TAG_HEAD) modeFlags &= ~MODE_IN_HEAD;
     return;
   }
   if ((modeFlags & MODE_IN_WML) == 0) return;
-  switch (item->tagId) {
+  switch (item.tagId) {
     case TAG_A:
       ProcessEndAnchor(proc);
       break;

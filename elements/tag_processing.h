@@ -9,6 +9,6 @@ void ProcessBeginTag(ItemRecord *item, WmlProc *proc);
 
 // Handles an end tag, or an open element that is being closed. Except for `table`, a
 // second call for an element that is closed changes nothing.
-void ProcessEndTag(const ItemRecord *item, WmlProc *proc);
+void ProcessEndTag(const ItemRecord &item, WmlProc *proc);
 
 #endif  // VS_WML_ELEMENTS_TAG_PROCESSING_H

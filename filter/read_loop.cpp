@@ -97,20 +97,21 @@ void HandleTag(ItemRecord *item, WmlProc *proc) {
     ProcessBeginTag(item, proc);
     TagStackPush(item, proc);
   } else {
-    if (item->tagId != TAG_TABLE) ProcessEndTag(item, proc);
+    if (item->tagId != TAG_TABLE) ProcessEndTag(*item, proc);
     TagStackPop(item, proc);
   }
 }
 
 void HandleItem(ItemRecord *item, uint16_t ch, const char *text, WmlProc *proc) {
-  if (item->itemFlags & ITEM_CHAR) {
+  constexpr uint8_t kText = ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF;
+  if ((item->itemFlags & kText) == 0) {
+    if (item->tagId != TAG_NONE) HandleTag(item, proc);
+  } else if (item->itemFlags & ITEM_CHAR) {
     PutChar(ch, *item, proc);
   } else if (item->itemFlags & ITEM_ENTITY) {
     PutEntity(ch, text, proc);
-  } else if (item->itemFlags & ITEM_NUMREF) {
+  } else {
     PutReferenceValue(ConvertVarString(text), text, proc);
-  } else if (item->tagId != TAG_NONE) {
-    HandleTag(item, proc);
   }
 }
 

@@ -101,22 +101,27 @@ uint16_t DeriveStyle(uint16_t current, uint8_t styleClass, WmlProc *proc) {
   return StyleStore(style, proc);
 }
 
-bool DependsOnTag(uint8_t styleClass) {
-  return (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) != 0;
+// What a template made of the current style once, it makes of it again, unless it takes
+// its alignment from the tag.
+void RememberDerived(uint16_t from, uint16_t to, uint8_t styleClass, WmlProc *proc) {
+  if (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) return;
+  proc->derivedStyles[styleClass] = {from, to};
 }
 
 }  // namespace
 
 void StyleSelect(ItemRecord *item, WmlProc *proc) {
+  const uint8_t styleClass = item->styleClass;
   item->styleIndex = NO_INDEX;
-  if (item->styleClass == 0 || item->styleClass >= STYLE_TEMPLATE_COUNT) return;
-  uint16_t current;
-  TagStackPeek(nullptr, nullptr, &current, nullptr, proc);
-  DerivedStyle &known = proc->derivedStyles[item->styleClass];
-  if (known.from != current || known.to == NO_INDEX || DependsOnTag(item->styleClass)) {
-    known = {current, DeriveStyle(current, item->styleClass, proc)};
+  if (styleClass == 0 || styleClass >= STYLE_TEMPLATE_COUNT) return;
+  const uint16_t current = TagStackTop(proc).styleIndex;
+  const DerivedStyle &known = proc->derivedStyles[styleClass];
+  if (known.from == current && known.to != NO_INDEX) {
+    item->styleIndex = known.to;
+    return;
   }
-  item->styleIndex = known.to;
+  item->styleIndex = DeriveStyle(current, styleClass, proc);
+  RememberDerived(current, item->styleIndex, styleClass, proc);
 }
 
 namespace {

@@ -5,37 +5,31 @@
 
 namespace {
 
-constexpr TagStackElem kNoElement = {TAG_NONE, 0, NO_INDEX, 0, 0};
-
-const TagStackElem &Top(const WmlProc *proc) {
-  const WmlSave &save = proc->save;
-  return save.tagStackTop >= 0 && save.tagStackTop < TAG_STACK_SIZE
-             ? save.tagStack[save.tagStackTop]
-             : kNoElement;
-}
-
 void SendStyleChange(uint16_t from, uint16_t to, WmlProc *proc) {
   if (from != to) StyleDelta(StyleRetrieve(from, proc), StyleRetrieve(to, proc), proc);
 }
 
-// Takes one element out of the stack. Styles are neither sent nor changed.
+// Pops the top element, unless it is the base element, and sends the difference of styles.
+TagStackElem PopTop(WmlProc *proc) {
+  const TagStackElem popped = TagStackTop(proc);
+  if (proc->save.tagStackTop > 0) --proc->save.tagStackTop;
+  SendStyleChange(popped.styleIndex, TagStackTop(proc).styleIndex, proc);
+  return popped;
+}
+
+// Takes a cell or a row out of the stack; their ends do nothing else. Styles are neither
+// sent nor changed.
 void TagStackElemRemove(int16_t index, WmlProc *proc) {
   WmlSave &save = proc->save;
   for (int16_t i = index; i < save.tagStackTop; ++i) save.tagStack[i] = save.tagStack[i + 1];
   --save.tagStackTop;
 }
 
-void CloseElement(int16_t index, WmlProc *proc) {
-  TagStackElem element = proc->save.tagStack[index];
-  ProcessEndTag(&element, proc);
-  TagStackElemRemove(index, proc);
-}
-
 // A cell begins or ends: the open cell of the same table is closed.
 void CloseCell(WmlProc *proc) {
   for (int16_t i = proc->save.tagStackTop; i >= 0; --i) {
     const uint8_t tagId = proc->save.tagStack[i].tagId;
-    if (tagId == TAG_TD) CloseElement(i, proc);
+    if (tagId == TAG_TD) TagStackElemRemove(i, proc);
     if (tagId == TAG_TD || tagId == TAG_TABLE) return;
   }
 }
@@ -47,7 +41,7 @@ void CloseRows(WmlProc *proc) {
     const uint8_t tagId = save.tagStack[i].tagId;
     if (tagId == TAG_TABLE) return;
     if (tagId == TAG_TR || tagId == TAG_TD) {
-      CloseElement(i, proc);
+      TagStackElemRemove(i, proc);
       if (i > save.tagStackTop) i = save.tagStackTop;
     } else {
       --i;
@@ -70,7 +64,7 @@ void CheckEndTag(ItemRecord *item, WmlProc *proc) {
     } else {
       TagStackCloseTo(index, proc);
     }
-  } else if ((tagClass & TAGF_MATCH_TOP) == 0 || Top(proc).tagId != item->tagId) {
+  } else if ((tagClass & TAGF_MATCH_TOP) == 0 || TagStackTop(proc).tagId != item->tagId) {
     item->tagId = TAG_NONE;
   }
 }
@@ -80,7 +74,7 @@ void CheckEndTag(ItemRecord *item, WmlProc *proc) {
 int16_t TagStackPush(ItemRecord *item, WmlProc *proc) {
   WmlSave &save = proc->save;
   if (save.tagStackTop >= TAG_STACK_SIZE - 1) return -1;
-  const uint16_t current = Top(proc).styleIndex;
+  const uint16_t current = TagStackTop(proc).styleIndex;
   if (item->styleIndex == NO_INDEX) item->styleIndex = current;
   if (item->tagId < TAG_COUNT && (TagClass(item->tagId) & TAGF_EMPTY) == 0) {
     save.tagStack[++save.tagStackTop] = *item;
@@ -90,22 +84,8 @@ int16_t TagStackPush(ItemRecord *item, WmlProc *proc) {
 }
 
 int16_t TagStackPop(ItemRecord *item, WmlProc *proc) {
-  WmlSave &save = proc->save;
-  const TagStackElem popped = Top(proc);
-  if (popped.tagId != item->tagId) return -1;
-  if (save.tagStackTop > 0) --save.tagStackTop;
-  SendStyleChange(popped.styleIndex, Top(proc).styleIndex, proc);
-  *item = popped;
-  return save.tagStackTop;
-}
-
-int16_t TagStackPeek(uint8_t *tagId, uint8_t *itemFlags, uint16_t *styleIndex, uint8_t *styleClass,
-                     const WmlProc *proc) {
-  const TagStackElem &top = Top(proc);
-  if (tagId != nullptr) *tagId = top.tagId;
-  if (itemFlags != nullptr) *itemFlags = top.itemFlags;
-  if (styleIndex != nullptr) *styleIndex = top.styleIndex;
-  if (styleClass != nullptr) *styleClass = top.styleClass;
+  if (TagStackTop(proc).tagId != item->tagId) return -1;
+  *item = PopTop(proc);
   return proc->save.tagStackTop;
 }
 
@@ -126,9 +106,8 @@ void TagStackCheck(ItemRecord *item, WmlProc *proc) {
 
 void TagStackCloseTo(int16_t index, WmlProc *proc) {
   for (int16_t i = proc->save.tagStackTop; i >= index; --i) {
-    ItemRecord item = kNoElement;
-    item.tagId = proc->save.tagStack[i].tagId;
-    if (TagStackPop(&item, proc) != -1) ProcessEndTag(&item, proc);
+    const TagStackElem element = PopTop(proc);
+    ProcessEndTag(element, proc);
   }
 }
 
@@ -137,7 +116,7 @@ bool TagStackHolds(uint8_t tagId, const WmlProc *proc) {
 }
 
 const StyleRecord *TagStackGetCurrentStyle(const WmlProc *proc) {
-  return StyleRetrieve(Top(proc).styleIndex, proc);
+  return StyleRetrieve(TagStackTop(proc).styleIndex, proc);
 }
 
 void TagStackApplyStyle(uint8_t alignment, WmlProc *proc) {

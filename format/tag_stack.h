@@ -15,6 +15,16 @@ inline uint32_t TagClass(uint8_t tagId) {
   return tagId < TAG_COUNT ? WmlInit.tags[tagId].value >> 8 & 0xFF : 0;
 }
 
+inline constexpr TagStackElem NO_ELEMENT = {TAG_NONE, 0, NO_INDEX, 0, 0};
+
+// The top element, NO_ELEMENT when the stack is empty.
+inline const TagStackElem &TagStackTop(const WmlProc *proc) {
+  const WmlSave &save = proc->save;
+  return save.tagStackTop >= 0 && save.tagStackTop < TAG_STACK_SIZE
+             ? save.tagStack[save.tagStackTop]
+             : NO_ELEMENT;
+}
+
 // Pushes an item, which takes the current style if it has none, and sends the
 // difference of styles; an empty element only sends it. The index of the top, -1 when
 // the stack is full: then nothing happens.
@@ -23,11 +33,6 @@ int16_t TagStackPush(ItemRecord *item, WmlProc *proc);
 // Pops the top element into the item if it has the item's tag, and sends the
 // difference of styles; -1 when it has not.
 int16_t TagStackPop(ItemRecord *item, WmlProc *proc);
-
-// The fields of the top element, each through a pointer that may be null, and the
-// index of the top. An empty stack has TAG_NONE and no style on top.
-int16_t TagStackPeek(uint8_t *tagId, uint8_t *itemFlags, uint16_t *styleIndex, uint8_t *styleClass,
-                     const WmlProc *proc);
 
 // Repairs the stack before a tag is handled: closes what the tag closes without
 // saying so, and drops stray end tags by making the item a TAG_NONE.

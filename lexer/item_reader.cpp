@@ -28,8 +28,7 @@ void ReadSlash(ItemRecord *item, uint16_t *ch, WmlProc *proc) {
     SetChar('/', item, ch);
     return;
   }
-  TagStackElem top = {};
-  TagStackPeek(&top.tagId, &top.itemFlags, &top.styleIndex, &top.styleClass, proc);
+  const TagStackElem &top = TagStackTop(proc);
   if ((top.itemFlags & ITEM_EMPTY) == 0) return;
   *item = top;
   item->itemFlags = static_cast<uint8_t>((top.itemFlags | ITEM_END) & ~ITEM_BEGIN);

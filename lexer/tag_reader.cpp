@@ -111,7 +111,7 @@ bool ReadTagWords(WordBuffer *word, ItemRecord *item, WmlProc *proc) {
   const bool isMeta = item->itemFlags == ITEM_META;
   if (IsTagEnd(last)) {
     if (item->itemFlags & ITEM_END) {
-      TagStackPeek(&item->tagId, nullptr, nullptr, nullptr, proc);
+      item->tagId = TagStackTop(proc).tagId;
     } else {
       item->tagId = static_cast<uint8_t>(proc->save.lastBeginTagId);
     }
