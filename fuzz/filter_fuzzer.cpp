@@ -27,8 +27,8 @@ struct Plan {
   std::uint8_t failAt;  ///< the allocation that fails, 0: none
 };
 
-/// Counted reads of unclosed tables: a document may ask for so many times its length.
-constexpr std::uint64_t kBudget = 64;
+/// Unclosed tables are read ahead: a document may ask for so many times its length.
+constexpr std::uint64_t kBudget = 8;
 
 void Fail(const char *what) {
   std::fprintf(stderr, "broken rule: %s\n", what);
@@ -63,7 +63,7 @@ struct Told {
 
 Told Run(const Plan &plan, std::string_view document) {
   BlockSource source(document, plan.chunk);
-  source.budget = kBudget * (document.size() + 64);
+  source.budget = kBudget * (document.size() + 2048);
   Host host;
   std::uint32_t breaks = 0;
   host.answerBreak = [&](std::uint32_t) -> std::uint32_t {

@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
   const std::string_view document(reinterpret_cast<const char *>(data) + header, size - header);
   BlockSource source(document);
-  source.budget = 64 * (document.size() + 64);
+  source.budget = 8 * (document.size() + 2048);
   Host host;
   Session session(source, host);
   session.Open(kIdentities[position[0] % std::size(kIdentities)]);
