@@ -2,6 +2,7 @@
 #include "convert.h"
 
 #include <exception>
+#include <filesystem>
 #include <ostream>
 #include <stdexcept>
 #include <streambuf>
@@ -51,8 +52,9 @@ std::uint64_t Converter::Run(const Input &input, const vs_wml::Output::Destinati
   if (!input.error.empty()) throw std::runtime_error(input.error);
   std::string bytes = ReadWhole(input.path);
   const std::uint64_t size = bytes.size();
-  const vs_wml::Deck deck =
-      vs_wml::PrepareDeck(Printable(input.path), std::move(bytes), options_.deck);
+  vs_wml::Deck deck = vs_wml::PrepareDeck(Printable(input.path), std::move(bytes), options_.deck);
+  const std::filesystem::path folder = std::filesystem::path(input.path).parent_path();
+  deck.pictures = {folder.empty() ? "." : folder, options_.assets};
   vs_wml::Output output(destination);
   if (options_.trace) {
     OutputBuffer buffer(output);

@@ -20,7 +20,7 @@ bool IsDeckName(const fs::path &path) {
   for (char &c : extension) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
   }
-  return extension == ".wml";
+  return extension == ".wml" || extension == ".wmlc";
 }
 
 class Finder {

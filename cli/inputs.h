@@ -23,7 +23,7 @@ struct Inputs {
   bool several = false;  ///< more than one document may come, however many there are
 };
 
-/// Finds the documents: directories are walked for *.wml in order of names. Throws
+/// Finds the documents: directories are walked for *.wml and *.wmlc in order of names. Throws
 /// std::runtime_error when the list of files cannot be read.
 Inputs FindInputs(const Options &options);
 

@@ -79,7 +79,8 @@ void PrintManual(std::ostream &out) {
          ".SH DESCRIPTION\n"
          "Reads documents written in WML, the Wireless Markup Language of WAP phones, and writes "
          "them as text, HTML, JSON or Markdown in UTF\\-8. Directories are searched for files "
-         "named *.wml; other files are read when they are named. \\- and no input at all mean "
+         "named *.wml and *.wmlc; other files are read when they are named. \\- and no input at "
+         "all mean "
          "standard input.\n"
          ".SH OPTIONS\n";
   for (const OptionRow &row : OptionTable()) {

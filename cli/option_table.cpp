@@ -26,6 +26,19 @@ constexpr OptionRow kRows[] = {
      "1151 1154 1155 1156 1157 1158 1159 1160 1161 1162 1163",
      "serve the bytes untouched under a filter identity",
      "1151 is plain WML; the others stand for national character sets."},
+    {OptionId::kRaw, "--raw", "", "", "show only what the filter knows",
+     "Otherwise a deck is adapted first: its actions become links, its forms and variables are "
+     "shown, comments and damaged markup are taken out. --identity and the trace imply it."},
+    {OptionId::kVariable, "--var", "NAME=VALUE", "",
+     "value of a variable, shown as {NAME} otherwise", "May be given several times."},
+    {OptionId::kBase, "--base", "URL", "", "address that link targets are resolved against", ""},
+    {OptionId::kAssets, "--assets", "DIR", "DIR", "also look for pictures under DIR",
+     "Pictures are looked for beside the document. WBMP, PNG, GIF and JPEG become part of the "
+     "HTML."},
+    {OptionId::kImages, "--images", "HOW", "blocks alt",
+     "WBMP in text: blocks (default on a terminal) or alt",
+     "Small pictures are drawn with block characters; with alt their alternative text stands "
+     "for them."},
     {OptionId::kFilesFrom, "--files-from", "FILE", "FILE",
      "also read the files that FILE (- for stdin) names",
      "One name a line, or each ended by a NUL character."},

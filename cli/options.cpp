@@ -11,10 +11,15 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <map>
+#include <stdexcept>
 #include <string_view>
 
 #include "files.h"
+#include "host/adapter/url.h"
+#include "host/adapter/variables.h"
 #include "host/charset.h"
+#include "host/utf8.h"
 #include "manual.h"
 #include "option_table.h"
 
@@ -39,6 +44,8 @@ constexpr std::size_t kMostJobs = 256;
 struct Raw {
   std::string to = "text";
   std::string color = "auto";
+  std::string images;
+  std::vector<std::string> variables;
   std::size_t width = 0;
   int identity = 0;
   bool help = false;
@@ -75,6 +82,13 @@ void Declare(CLI::App &app, Options &options, Raw &raw) {
       ->check(CLI::IsMember({"auto", "always", "never"}));
   app.add_option(Row(OptionId::kCharset).flags, options.deck.charset);
   app.add_option(Row(OptionId::kIdentity).flags, raw.identity);
+  app.add_flag(Row(OptionId::kRaw).flags, options.deck.raw);
+  app.add_option(Row(OptionId::kVariable).flags, raw.variables)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->expected(1);
+  app.add_option(Row(OptionId::kBase).flags, options.deck.base);
+  app.add_option(Row(OptionId::kAssets).flags, options.assets);
+  app.add_option(Row(OptionId::kImages).flags, raw.images)->check(CLI::IsMember({"blocks", "alt"}));
   app.add_option(Row(OptionId::kFilesFrom).flags, options.filesFrom);
   app.add_option(Row(OptionId::kJobs).flags, options.jobs)
       ->check(CLI::Range(std::size_t{1}, kMostJobs));
@@ -82,6 +96,33 @@ void Declare(CLI::App &app, Options &options, Raw &raw) {
   app.add_flag(Row(OptionId::kVersion).flags, raw.version);
   app.add_flag("--print-manual", raw.manual);
   app.add_flag("--print-completion", raw.completion);
+}
+
+// Puts NAME=VALUE where it belongs; false when it has no such form.
+bool AddVariable(const std::string &text, std::map<std::string, std::string> &variables) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos) return false;
+  const std::string name = text.substr(0, equals);
+  variables[name] = vs_wml::RepairUtf8(text.substr(equals + 1));
+  return vs_wml::IsVariableName(name);
+}
+
+std::optional<std::string> SettleAdaptation(Options &options, const Raw &raw) {
+  const bool toTerminal = options.outputDirectory.empty() && isatty(STDOUT_FILENO) != 0;
+  options.writer.images = raw.images.empty() ? toTerminal : raw.images == "blocks";
+  options.deck.raw = options.deck.raw || options.trace;
+  for (const std::string &variable : raw.variables) {
+    if (!AddVariable(variable, options.deck.variables)) {
+      return "--var: \"" + variable + "\" is not NAME=VALUE";
+    }
+  }
+  if (options.deck.base.empty()) return std::nullopt;
+  try {
+    const vs_wml::BaseUrl base(options.deck.base);
+  } catch (const std::invalid_argument &mistake) {
+    return std::string("--base: ") + mistake.what();
+  }
+  return std::nullopt;
 }
 
 // The mistake in what was given, if there is one; fills in what it settles.
@@ -92,6 +133,7 @@ std::optional<std::string> Settle(Options &options, const Raw &raw, const CLI::A
   }
   options.writer.width = raw.width != 0 ? raw.width : TerminalWidth();
   options.writer.color = WantsColor(raw.color, !options.outputDirectory.empty());
+  if (auto mistake = SettleAdaptation(options, raw)) return mistake;
   if (!options.deck.charset.empty() && !vs_wml::IsKnownCharset(options.deck.charset)) {
     return "--charset: \"" + options.deck.charset + "\" is no character set that is known";
   }

@@ -29,6 +29,7 @@ struct Options {
   vs_wml::Format format = vs_wml::Format::kText;
   vs_wml::WriterOptions writer;
   vs_wml::DeckOptions deck;
+  std::string assets;  ///< folder of pictures, empty: none
 
   /// Name extension of outputs, with the dot.
   std::string Extension() const;

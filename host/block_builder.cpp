@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/adapter/served_writer.h"
 #include "host/charset.h"
 #include "host/served_bytes.h"
 #include "host/source_tag.h"
@@ -190,7 +191,8 @@ struct BlockBuilder::Routines_ {
   }
 };
 
-BlockBuilder::BlockBuilder(const Deck &deck, BlockSink &sink) : deck_(deck), sink_(sink) {
+BlockBuilder::BlockBuilder(const Deck &deck, BlockSink &sink)
+    : deck_(deck), sink_(sink), pictures_(deck.pictures) {
   sink_.BeginDocument(deck.info);
 }
 
@@ -439,12 +441,29 @@ void BlockBuilder::StartCard() {
 
   card_ = {};
   cardOffset_ = stream_->Offset();
+  cardStarting_ = true;
+  newParagraph_ = true;
+  if (deck_.info.adapted) {
+    TakeCardParts();
+    return;
+  }
   const SourceTag tag = SourceTag::EndingAt(deck_.bytes, cardOffset_, "card");
   card_.id = CleanText(TextOfBytes(tag.Attribute("id").value_or("")));
   card_.newContext = tag.Attribute("newcontext") == "true";
   card_.ordered = tag.Attribute("ordered") != "false";
-  cardStarting_ = true;
-  newParagraph_ = true;
+}
+
+// The adapter writes one card for each that it tells.
+void BlockBuilder::TakeCardParts() {
+  const std::vector<DeckCard> &cards = deck_.info.parts.cards;
+  linkAction_ = nullptr;
+  if (nextCard_ >= cards.size()) return;
+  const DeckCard &parts = cards[nextCard_++];
+  card_.id = parts.id;
+  card_.title = parts.title;
+  card_.newContext = parts.newContext;
+  card_.ordered = parts.ordered;
+  card_.parts = &parts;
 }
 
 // Tells the sink of the card that the next block lies in.
@@ -629,15 +648,37 @@ std::uint32_t BlockBuilder::OpenReference() {
 void BlockBuilder::OpenLink(std::uint32_t number, const VwLinkRecord &record) {
   CloseRun();
   openLink_ = {};
-  openLink_.number = number;
-  openLink_.target = WholeValue(reference_.target, "a", "href");
-  if ((record.flags & SO_LINK_HAS_TITLE) != 0 && !strings_.empty()) {
-    openLink_.title =
-        CleanText(AttributeText(firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1));
+  if (deck_.info.adapted) {
+    TakeLinkParts();
+  } else {
+    openLink_.number = number;
+    openLink_.target = WholeValue(reference_.target, "a", "href");
+    if ((record.flags & SO_LINK_HAS_TITLE) != 0 && !strings_.empty()) {
+      openLink_.title =
+          CleanText(AttributeText(firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1));
+    }
   }
   linkOpen_ = true;
   link_ = static_cast<std::uint32_t>(links_.size());
   links_.push_back(openLink_);
+}
+
+// What the served link stands for. Fields are not numbered, and a link that the adapter
+// had to interrupt keeps its number.
+void BlockBuilder::TakeLinkParts() {
+  const DeckParts &parts = deck_.info.parts;
+  const auto reference = ParseServedTarget(reference_.target);
+  if (!reference) return;
+  if (reference->kind == ServedKind::kField && reference->index < parts.fields.size()) {
+    openLink_.field = &parts.fields[reference->index];
+  } else if (reference->kind == ServedKind::kAction && reference->index < parts.actions.size()) {
+    openLink_.action = &parts.actions[reference->index];
+    openLink_.title = openLink_.action->title;
+    openLink_.target = openLink_.action->task.target;
+    if (openLink_.action != linkAction_) ++linkNumber_;
+    linkAction_ = openLink_.action;
+    openLink_.number = linkNumber_;
+  }
 }
 
 void BlockBuilder::CloseLink() {
@@ -649,9 +690,14 @@ void BlockBuilder::CloseLink() {
 void BlockBuilder::InsertGraphic(const GraphicRecord &graphic) {
   CloseRun();
   Image image;
-  image.source = WholeValue(reference_.target, "img", "src");
-  image.hasAlternative = (graphic.flags & SO_GRAPHIC_HAS_ALT) != 0;
-  if (image.hasAlternative) image.alternative = CleanText(AttributeText(graphic.alternative));
+  if (deck_.info.adapted) {
+    TakeImageParts(image);
+  } else {
+    image.source = WholeValue(reference_.target, "img", "src");
+    image.hasAlternative = (graphic.flags & SO_GRAPHIC_HAS_ALT) != 0;
+    if (image.hasAlternative) image.alternative = CleanText(AttributeText(graphic.alternative));
+  }
+  image.picture = pictures_.Find(image.source);
   image.width = graphic.width;
   image.height = graphic.height;
   Run run;
@@ -661,6 +707,17 @@ void BlockBuilder::InsertGraphic(const GraphicRecord &graphic) {
   run.image = static_cast<std::uint32_t>(images_.size());
   images_.push_back(std::move(image));
   runs_.push_back(run);
+}
+
+void BlockBuilder::TakeImageParts(Image &image) const {
+  const std::vector<Picture> &pictures = deck_.info.parts.pictures;
+  const auto reference = ParseServedTarget(reference_.target);
+  if (!reference || reference->kind != ServedKind::kPicture) return;
+  if (reference->index >= pictures.size()) return;
+  const Picture &picture = pictures[reference->index];
+  image.source = picture.source.empty() ? picture.localSource : picture.source;
+  image.alternative = picture.alternative;
+  image.hasAlternative = picture.hasAlternative;
 }
 
 }  // namespace vs_wml

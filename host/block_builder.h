@@ -70,6 +70,7 @@ class BlockBuilder {
   void EndRow();
   void EndDocument();
   void StartCard();
+  void TakeCardParts();
   void TellCard();
   void LeaveCard();
   void OpenTable();
@@ -80,8 +81,10 @@ class BlockBuilder {
   std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t length);
   std::uint32_t OpenReference();
   void OpenLink(std::uint32_t number, const VwLinkRecord &record);
+  void TakeLinkParts();
   void CloseLink();
   void InsertGraphic(const GraphicRecord &graphic);
+  void TakeImageParts(Image &image) const;
   std::string AttributeText(std::uint32_t index) const;
   std::string TextOfBytes(const std::string &bytes) const;
   std::string WholeValue(std::string value, std::string_view tag, std::string_view attribute) const;
@@ -115,6 +118,10 @@ class BlockBuilder {
   // The link that is open; it is named again in every block it goes on in.
   Link openLink_;
   bool linkOpen_ = false;
+  const Action *linkAction_ = nullptr;  ///< of the last link of the card
+  std::uint32_t linkNumber_ = 0;        ///< of the last link, in adapted documents
+  std::size_t nextCard_ = 0;            ///< of the adapted document
+  PictureLibrary pictures_;
 
   // The table, while inTable_.
   bool inTable_ = false;

@@ -2,8 +2,12 @@
 #include "host/deck.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
+#include "host/adapter/deck_adapter.h"
+#include "host/adapter/url.h"
+#include "host/adapter/wmlc.h"
 #include "host/charset.h"
 #include "host/served_bytes.h"
 #include "host/utf8.h"
@@ -37,6 +41,35 @@ void RequireWml(std::string_view text) {
   throw NotWml("not WML: no <wml> or <card> element");
 }
 
+// Finds the character set and converts to UTF-8.
+std::string TextOf(std::string bytes, const DeckOptions &options, DeckInfo &info) {
+  if (IsWmlc(bytes)) {
+    DecodedWmlc decoded = DecodeWmlc(bytes);
+    bytes = std::move(decoded.wml);
+    if (options.charset.empty() && !decoded.charset.empty()) {
+      info.charset = decoded.charset;
+      info.charsetOrigin = CharsetOrigin::kCompiled;
+      return ToUtf8(std::move(bytes), info.charset);
+    }
+  }
+  const DetectedCharset found = DetectCharset(bytes, options.charset, info.warnings);
+  info.charset = found.name;
+  info.charsetOrigin = found.origin;
+  if (found.markLength != 0) bytes.erase(0, found.markLength);
+  return ToUtf8(std::move(bytes), found.name);
+}
+
+void Adapt(Deck &deck, std::string_view text, const DeckOptions &options) {
+  AdaptedDeck adapted = AdaptDeck(text, {options.variables});
+  if (!options.base.empty()) ResolveTargets(adapted.parts, BaseUrl(options.base));
+  deck.bytes = std::move(adapted.served);
+  deck.info.adapted = true;
+  deck.info.parts = std::move(adapted.parts);
+  std::vector<std::string> &warnings = deck.info.warnings;
+  warnings.insert(warnings.end(), std::make_move_iterator(adapted.warnings.begin()),
+                  std::make_move_iterator(adapted.warnings.end()));
+}
+
 }  // namespace
 
 bool IsFilterIdentity(long identity) {
@@ -58,13 +91,13 @@ Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options
   }
 
   if (bytes.empty()) throw NotWml("empty document");
-  const DetectedCharset found = DetectCharset(bytes, options.charset, deck.info.warnings);
-  deck.info.charset = found.name;
-  deck.info.charsetOrigin = found.origin;
-  if (found.markLength != 0) bytes.erase(0, found.markLength);
-  std::string text = ToUtf8(std::move(bytes), found.name);
+  std::string text = TextOf(std::move(bytes), options, deck.info);
   RequireWml(text);
-  deck.bytes = MakeServedBytes(std::move(text));
+  if (options.raw) {
+    deck.bytes = MakeServedBytes(std::move(text));
+  } else {
+    Adapt(deck, text, options);
+  }
   deck.identity = kServedIdentity;
   deck.servedAsUtf8 = true;
   return deck;

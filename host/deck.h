@@ -6,6 +6,7 @@
 #define VS_WML_HOST_DECK_H
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -16,6 +17,11 @@
 namespace vs_wml {
 
 struct DeckOptions {
+  /// Serve the document as it is, apart from its character set: what the filter does not
+  /// know is not shown.
+  bool raw = false;
+  std::map<std::string, std::string> variables;  ///< values, by name
+  std::string base;     ///< address that targets are resolved against, empty: none
   std::string charset;  ///< believed before everything else; empty: find it
   /// Serve the bytes untouched, under this filter identity.
   std::optional<std::int16_t> identity;
@@ -27,6 +33,7 @@ struct Deck {
   std::int16_t identity = 0;  ///< a filter identity
   bool servedAsUtf8 = false;  ///< characters come back as the bytes of UTF-8
   DeckInfo info;
+  PictureFolders pictures;  ///< where its pictures may lie, to be set by who knows
 };
 
 /// The bytes are no WML; the message says what they are instead.
@@ -35,7 +42,8 @@ class NotWml : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Turns the bytes of a document into a deck. Throws NotWml.
+/// Turns the bytes of a document into a deck. Throws NotWml, BrokenWmlc, and
+/// std::invalid_argument when the base is no absolute address.
 Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options);
 
 /// Whether an identity is one of those in WmlOverlayId.

@@ -15,6 +15,9 @@
 #include <string_view>
 #include <vector>
 
+#include "host/adapter/deck_parts.h"
+#include "host/images/picture_library.h"
+
 namespace vs_wml {
 
 enum class Alignment : std::uint8_t { kLeft, kCenter, kRight, kJustified };
@@ -30,19 +33,25 @@ struct TextStyle {
 
 inline constexpr std::uint16_t kOrdinaryHalfPoints = 24;
 
-/// A hyperlink. One that goes on over several blocks appears in each of them.
+/// A hyperlink, or a field of a form. One that goes on over several blocks appears in
+/// each of them.
 struct Link {
   std::uint32_t number = 0;  ///< 1, 2, 3, ... in the document
   std::string target;        ///< as the document has it, references resolved
   std::string title;         ///< empty: none
+  /// What following it does; null in a document that was not adapted.
+  const Action *action = nullptr;
+  /// The field that stands here; the text is then what shows it, and there is no target.
+  const Field *field = nullptr;
 };
 
 struct Image {
   std::string source;
   std::string alternative;
   bool hasAlternative = false;
-  std::uint32_t width = 0;   ///< twips; 0: the picture's own size
-  std::uint32_t height = 0;  ///< twips; 0: the picture's own size
+  std::uint32_t width = 0;                 ///< twips; 0: the picture's own size
+  std::uint32_t height = 0;                ///< twips; 0: the picture's own size
+  const LoadedPicture *picture = nullptr;  ///< its file, null when there is none to show
 };
 
 inline constexpr std::uint32_t kTwipsPerPixel = 15;
@@ -113,6 +122,7 @@ struct Card {
   std::string title;  ///< empty: none
   bool newContext = false;
   bool ordered = true;
+  const DeckCard *parts = nullptr;  ///< null in a document that was not adapted
 };
 
 /// Where the character set of a document was learnt, in the order of belief.
@@ -124,7 +134,8 @@ enum class CharsetOrigin : std::uint8_t {
   kValidUtf8,
   kDetector,
   kFallback,
-  kIdentity
+  kIdentity,
+  kCompiled  ///< a compiled deck says it
 };
 
 /// What is known of a document apart from its text.
@@ -132,6 +143,8 @@ struct DeckInfo {
   std::string name;     ///< of the source, for people
   std::string charset;  ///< IANA name, or "identity 1151" when served untouched
   CharsetOrigin charsetOrigin = CharsetOrigin::kFallback;
+  bool adapted = false;  ///< actions, forms and variables were adapted for the filter
+  DeckParts parts;       ///< empty when it was not adapted
   std::vector<std::string> warnings;
 };
 

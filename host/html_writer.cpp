@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <array>
+#include <map>
 #include <string>
 #include <unordered_set>
+#include <utility>
 
 #include "host/target.h"
 #include "host/writer.h"
@@ -9,7 +12,8 @@
 namespace vs_wml {
 namespace {
 
-// Nothing of the document runs and nothing is fetched but its images.
+// Nothing of the document runs and nothing is fetched but its images; forms are sent
+// when somebody sends them.
 constexpr std::string_view kHead =
     "<!DOCTYPE html>\n"
     "<html>\n"
@@ -17,7 +21,7 @@ constexpr std::string_view kHead =
     "<meta charset=\"utf-8\">\n"
     "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
     "img-src 'self' data: file: http: https:; style-src 'unsafe-inline'; base-uri 'none'; "
-    "form-action 'none'\">\n"
+    "form-action 'self' file: http: https:\">\n"
     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
 
 constexpr std::string_view kStyle =
@@ -30,6 +34,12 @@ constexpr std::string_view kStyle =
     " border-radius: .4em .4em 0 0; }\n"
     "p { margin: .7em 0; min-height: 1em; }\n"
     "pre { margin: .7em 0; font-size: .85em; overflow-x: auto; }\n"
+    "input, select, button { font: inherit; max-width: 100%; }\n"
+    "img { image-rendering: pixelated; }\n"
+    ".key, button { display: inline-block; margin: .1em 0; padding: .1em .7em; color: #000;"
+    " background: #eee; border: 1px solid #777; border-radius: .4em; text-decoration: none; }\n"
+    ".key a { color: inherit; text-decoration: none; }\n"
+    ".event::before { content: '\\23F1\\00A0'; }\n"
     "a, .inert { color: #00f; text-decoration: underline; }\n"
     "table { border-collapse: collapse; margin: .7em 0; max-width: 100%; }\n"
     "td { border: 1px solid #000; padding: .1em .4em; vertical-align: top; }\n"
@@ -39,6 +49,9 @@ constexpr std::string_view kStyle =
     "table.c { margin-left: auto; margin-right: auto; } table.r { margin-left: auto; }\n"
     ".big { font-size: 1.5em; } .small { font-size: .8em; }\n"
     "</style>\n";
+
+constexpr std::string_view kFormId = "unwml-form-";
+constexpr std::size_t kMostEmbedded = 16U << 20U;  // bytes of pictures in a page
 
 constexpr std::array<std::string_view, 4> kAlignmentClass = {"l", "c", "r", "j"};
 
@@ -85,9 +98,10 @@ std::string EncodeTarget(std::string_view target) {
   return encoded;
 }
 
-// An HTML id holds no blanks.
+// An HTML id holds no blanks; those of forms are taken.
 bool IsHtmlId(std::string_view id) {
-  return !id.empty() && id.find_first_of(" \t\r\n\f") == std::string_view::npos;
+  return !id.empty() && !id.starts_with(kFormId) &&
+         id.find_first_of(" \t\r\n\f") == std::string_view::npos;
 }
 
 class HtmlWriter : public BlockSink {
@@ -96,8 +110,11 @@ class HtmlWriter : public BlockSink {
 
   void BeginDocument(const DeckInfo &deck) override {
     name_ = deck.name;
+    parts_ = &deck.parts;
     headWritten_ = false;
     ids_.clear();
+    forms_.clear();
+    embedded_ = 0;
   }
 
   void BeginCard(const Card &card) override {
@@ -160,6 +177,7 @@ class HtmlWriter : public BlockSink {
 
   void EndCard() override {
     CloseParagraph();
+    WriteForms();
     out_ << "</section>\n";
   }
 
@@ -208,25 +226,149 @@ class HtmlWriter : public BlockSink {
         link = run.link;
         if (link != kNone) BeginLink(content.links[link]);
       }
-      WriteRun(content, run);
+      if (link == kNone || content.links[link].field == nullptr) WriteRun(content, run);
     }
     if (link != kNone) EndLink(content.links[link]);
   }
 
+  enum class LinkShape { kAnchor, kButton, kInert, kField };
+
+  static LinkShape ShapeOf(const Link &link) {
+    if (link.field != nullptr) return LinkShape::kField;
+    if (!IsSafeTarget(link.target)) return LinkShape::kInert;
+    if (link.action == nullptr) return LinkShape::kAnchor;
+    const Task &task = link.action->task;
+    if (task.kind != TaskKind::kGo) return LinkShape::kInert;
+    const bool sends = task.method == "post" || !task.postFields.empty();
+    return sends && !link.target.starts_with('#') ? LinkShape::kButton : LinkShape::kAnchor;
+  }
+
   void BeginLink(const Link &link) {
-    if (IsSafeTarget(link.target)) {
-      out_ << "<a href=\"";
-      Escape(out_, EncodeTarget(link.target));
-      out_ << '"';
-      if (!link.title.empty()) WriteTitle(link.title);
+    const LinkShape shape = ShapeOf(link);
+    if (shape == LinkShape::kField) {
+      WriteField(*link.field);
+      return;
+    }
+    if (shape == LinkShape::kButton) {
+      const auto index = static_cast<std::size_t>(link.action - parts_->actions.data());
+      forms_.try_emplace(index, false);
+      out_ << "<button form=\"" << kFormId << index << '"';
     } else {
-      out_ << "<span class=\"inert\"";
-      WriteTitle(link.target);
+      WriteLinkTag(link, shape);
+    }
+    if (shape == LinkShape::kInert) {
+      WriteTitle(LinkTargetText(link));
+    } else if (!link.title.empty()) {
+      WriteTitle(link.title);
     }
     out_ << '>';
   }
 
-  void EndLink(const Link &link) { out_ << (IsSafeTarget(link.target) ? "</a>" : "</span>"); }
+  void WriteLinkTag(const Link &link, LinkShape shape) {
+    const ActionKind kind = link.action == nullptr ? ActionKind::kLink : link.action->kind;
+    const std::string_view role = kind == ActionKind::kDo      ? "key"
+                                  : kind == ActionKind::kEvent ? "event"
+                                                               : "";
+    if (shape == LinkShape::kAnchor) {
+      out_ << "<a href=\"";
+      Escape(out_, EncodeTarget(link.target));
+      out_ << '"';
+      if (!role.empty()) out_ << " class=\"" << role << '"';
+    } else {
+      out_ << "<span class=\"inert" << (role.empty() ? "" : " ") << role << '"';
+    }
+  }
+
+  void EndLink(const Link &link) {
+    switch (ShapeOf(link)) {
+      case LinkShape::kAnchor:
+        out_ << "</a>";
+        break;
+      case LinkShape::kButton:
+        out_ << "</button>";
+        break;
+      case LinkShape::kInert:
+        out_ << "</span>";
+        break;
+      case LinkShape::kField:
+        break;
+    }
+  }
+
+  void WriteAttribute(std::string_view name, std::string_view value) {
+    out_ << ' ' << name << "=\"";
+    Escape(out_, value);
+    out_ << '"';
+  }
+
+  // The form of an action stands at the end of the card; its button and its fields name it.
+  void WriteForms() {
+    for (auto &[index, written] : forms_) {
+      if (std::exchange(written, true)) continue;
+      const Task &task = parts_->actions[index].task;
+      out_ << "<form id=\"" << kFormId << index << '"';
+      WriteAttribute("action", EncodeTarget(task.target));
+      out_ << " method=\"" << (task.method == "post" ? "post" : "get") << '"';
+      if (task.encoding == "multipart/form-data") WriteAttribute("enctype", task.encoding);
+      out_ << '>';
+      for (const NameValue &field : task.postFields) {
+        if (field.fromField) continue;
+        out_ << "<input type=\"hidden\"";
+        WriteAttribute("name", field.name);
+        WriteAttribute("value", field.value);
+        out_ << '>';
+      }
+      out_ << "</form>\n";
+    }
+  }
+
+  void WriteField(const Field &field) {
+    const bool isInput = field.kind == FieldKind::kInput;
+    out_ << (isInput ? "<input" : "<select");
+    if (field.action != kNoIndex) out_ << " form=\"" << kFormId << field.action << '"';
+    WriteAttribute("name", field.action == kNoIndex ? field.name : field.sentName);
+    WriteAttribute("aria-label", field.title.empty() ? field.name : field.title);
+    if (isInput) {
+      WriteInput(field);
+    } else {
+      WriteOptions(field);
+    }
+  }
+
+  void WriteInput(const Field &field) {
+    out_ << " type=\"" << (field.type == "password" ? "password" : "text") << '"';
+    if (!field.value.empty()) WriteAttribute("value", field.value);
+    if (field.size != 0) out_ << " size=\"" << std::size_t{field.size} << '"';
+    if (field.length != 0) out_ << " maxlength=\"" << std::size_t{field.length} << '"';
+    if (!field.title.empty()) WriteTitle(field.title);
+    out_ << '>';
+  }
+
+  void WriteOptions(const Field &field) {
+    if (field.multiple) out_ << " multiple";
+    if (!field.title.empty()) WriteTitle(field.title);
+    out_ << '>';
+    std::size_t group = kNoIndex;
+    for (const FieldOption &option : field.options) {
+      if (option.group != group) {
+        if (group != kNoIndex) out_ << "</optgroup>";
+        group = option.group;
+        if (group != kNoIndex) {
+          out_ << "<optgroup";
+          WriteAttribute("label", field.groups[group]);
+          out_ << '>';
+        }
+      }
+      out_ << "<option";
+      WriteAttribute("value", option.value);
+      if (option.selected) out_ << " selected";
+      out_ << '>';
+      Escape(out_, option.label);
+      out_ << "</option>";
+    }
+    if (group != kNoIndex) out_ << "</optgroup>";
+    out_ << "</select>";
+  }
 
   void WriteTitle(std::string_view title) {
     out_ << " title=\"";
@@ -266,7 +408,36 @@ class HtmlWriter : public BlockSink {
     Escape(out_, text);
   }
 
+  // A picture whose file was found comes with the page, as long as the page stays modest.
+  std::string_view EmbeddedSource(const Image &image) {
+    if (image.picture == nullptr) return {};
+    const std::string &uri = image.picture->DataUri();
+    if (uri.size() > kMostEmbedded - embedded_) return {};
+    embedded_ += uri.size();
+    return uri;
+  }
+
+  void WriteEmbedded(const Image &image, std::string_view uri) {
+    out_ << "<img src=\"" << uri << '"';
+    WriteAttribute("alt", ImageLabel(image));
+    const auto &bitmap = image.picture->bitmap;
+    if (image.width != 0 && image.height != 0) {
+      WriteSize(image.width / kTwipsPerPixel, image.height / kTwipsPerPixel);
+    } else if (bitmap) {
+      WriteSize(bitmap->width, bitmap->height);
+    }
+    out_ << '>';
+  }
+
+  void WriteSize(std::size_t width, std::size_t height) {
+    out_ << " width=\"" << width << "\" height=\"" << height << '"';
+  }
+
   void WriteImage(const Image &image) {
+    if (const std::string_view uri = EmbeddedSource(image); !uri.empty()) {
+      WriteEmbedded(image, uri);
+      return;
+    }
     if (!IsSafeSource(image.source)) {
       out_ << '[';
       Escape(out_, image.alternative);
@@ -279,14 +450,16 @@ class HtmlWriter : public BlockSink {
     Escape(out_, ImageLabel(image));
     out_ << '"';
     if (image.width != 0 && image.height != 0) {
-      out_ << " width=\"" << std::size_t{image.width / kTwipsPerPixel} << "\" height=\""
-           << std::size_t{image.height / kTwipsPerPixel} << '"';
+      WriteSize(image.width / kTwipsPerPixel, image.height / kTwipsPerPixel);
     }
     out_ << '>';
   }
 
   Output &out_;
   std::string name_;
+  const DeckParts *parts_ = nullptr;
+  std::map<std::size_t, bool> forms_;  ///< of actions, and whether they were written
+  std::size_t embedded_ = 0;           ///< bytes of pictures in the page
   bool headWritten_ = false;
   std::string_view openTag_;  ///< of the paragraph that is open, empty: none
   std::unordered_set<std::string> ids_;

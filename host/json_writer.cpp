@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -11,10 +12,13 @@ namespace vs_wml {
 namespace {
 
 constexpr std::array<std::string_view, 4> kAlignmentName = {"left", "center", "right", "justified"};
-constexpr std::array<std::string_view, 8> kOriginName = {
-    "option", "bom", "xml", "meta", "utf-8", "detector", "fallback", "identity"};
+constexpr std::array<std::string_view, 9> kOriginName = {
+    "option", "bom", "xml", "meta", "utf-8", "detector", "fallback", "identity", "wmlc"};
+constexpr std::array<std::string_view, 5> kActionName = {"link", "anchor", "do", "event", "pick"};
+constexpr std::array<std::string_view, 5> kTaskName = {"none", "go", "prev", "refresh", "noop"};
 
 constexpr std::uint32_t kHalfPointsPerPoint = 2;
+constexpr double kTimerUnitsPerSecond = 10;
 
 // One object a document, written as the document comes. docs/json.md describes it.
 class JsonWriter : public BlockSink {
@@ -27,6 +31,9 @@ class JsonWriter : public BlockSink {
     Member("source", deck.name);
     Member("charset", deck.charset);
     Member("charsetFrom", kOriginName[static_cast<std::size_t>(deck.charsetOrigin)]);
+    if (deck.parts.hasAccess) WriteAccess(deck.parts);
+    if (!deck.parts.metas.empty()) WriteMetas(deck.parts.metas);
+    parts_ = &deck.parts;
     Key("cards");
     writer_.StartArray();
   }
@@ -37,6 +44,7 @@ class JsonWriter : public BlockSink {
     if (!card.title.empty()) Member("title", card.title);
     if (card.newContext) Flag("newContext", true);
     if (!card.ordered) Flag("ordered", false);
+    if (card.parts != nullptr && !card.parts->actions.empty()) WriteActions(*card.parts);
     Key("blocks");
     writer_.StartArray();
   }
@@ -153,7 +161,10 @@ class JsonWriter : public BlockSink {
                     (style.color >> 8U) & 0xFFU, (style.color >> 16U) & 0xFFU);
       Member("color", color.data());
     }
-    if (run.link != kNone) {
+    if (run.link != kNone && content.links[run.link].field != nullptr) {
+      Key("field");
+      WriteField(*content.links[run.link].field);
+    } else if (run.link != kNone) {
       Key("link");
       writer_.Uint(content.links[run.link].number);
     }
@@ -171,19 +182,132 @@ class JsonWriter : public BlockSink {
       Key("height");
       Length(image.height, kTwipsPerPixel);
     }
+    if (image.picture != nullptr && image.picture->bitmap) {
+      Number("pixelWidth", image.picture->bitmap->width);
+      Number("pixelHeight", image.picture->bitmap->height);
+    }
     writer_.EndObject();
   }
 
   void WriteLinks(const Content &content) {
-    if (content.links.empty()) return;
+    const auto isLink = [](const Link &link) { return link.field == nullptr; };
+    if (std::none_of(content.links.begin(), content.links.end(), isLink)) return;
     Key("links");
     writer_.StartArray();
     for (const Link &link : content.links) {
+      if (!isLink(link)) continue;
       writer_.StartObject();
       Key("number");
       writer_.Uint(link.number);
       Member("target", link.target);
       if (!link.title.empty()) Member("title", link.title);
+      if (link.action != nullptr && link.action->kind != ActionKind::kLink) {
+        Key("action");
+        WriteAction(*link.action);
+      }
+      writer_.EndObject();
+    }
+    writer_.EndArray();
+  }
+
+  void Number(std::string_view key, std::size_t number) {
+    Key(key);
+    writer_.Uint64(number);
+  }
+  void Optional(std::string_view key, std::string_view text) {
+    if (!text.empty()) Member(key, text);
+  }
+
+  void WriteAccess(const DeckParts &parts) {
+    Key("access");
+    writer_.StartObject();
+    Optional("domain", parts.accessDomain);
+    Optional("path", parts.accessPath);
+    writer_.EndObject();
+  }
+
+  void WriteMetas(const std::vector<Meta> &metas) {
+    Key("meta");
+    writer_.StartArray();
+    for (const Meta &meta : metas) {
+      writer_.StartObject();
+      Optional("name", meta.name);
+      Optional("httpEquiv", meta.httpEquiv);
+      Member("content", meta.content);
+      writer_.EndObject();
+    }
+    writer_.EndArray();
+  }
+
+  void WriteActions(const DeckCard &card) {
+    Key("actions");
+    writer_.StartArray();
+    for (const std::size_t index : card.actions) WriteAction(parts_->actions[index]);
+    writer_.EndArray();
+  }
+
+  void WriteAction(const Action &action) {
+    writer_.StartObject();
+    Member("kind", kActionName[static_cast<std::size_t>(action.kind)]);
+    Optional("type", action.type);
+    Optional("name", action.name);
+    Member("label", ActionLabel(action));
+    if (action.delay != 0) {
+      Key("delay");
+      writer_.Double(action.delay / kTimerUnitsPerSecond);
+    }
+    Member("task", kTaskName[static_cast<std::size_t>(action.task.kind)]);
+    if (action.task.kind == TaskKind::kGo) {
+      Member("target", action.task.target);
+      Member("method", action.task.method);
+    }
+    if (!action.task.postFields.empty()) WritePairs("postFields", action.task.postFields);
+    if (!action.task.variables.empty()) WritePairs("variables", action.task.variables);
+    writer_.EndObject();
+  }
+
+  void WritePairs(std::string_view key, const std::vector<NameValue> &pairs) {
+    Key(key);
+    writer_.StartArray();
+    for (const NameValue &pair : pairs) {
+      writer_.StartObject();
+      Member("name", pair.name);
+      Member("value", pair.value);
+      Optional("variable", pair.variable);
+      writer_.EndObject();
+    }
+    writer_.EndArray();
+  }
+
+  void WriteField(const Field &field) {
+    writer_.StartObject();
+    Member("kind", field.kind == FieldKind::kInput ? "input" : "select");
+    Member("name", field.name);
+    Optional("title", field.title);
+    if (field.fieldset != kNoIndex) Optional("fieldset", parts_->fieldsets[field.fieldset]);
+    if (field.kind == FieldKind::kSelect) {
+      WriteOptions(field);
+    } else {
+      Member("type", field.type);
+      Member("value", field.value);
+      Optional("format", field.format);
+      if (field.size != 0) Number("size", field.size);
+      if (field.length != 0) Number("maxLength", field.length);
+      if (!field.emptyAllowed) Flag("emptyAllowed", false);
+    }
+    writer_.EndObject();
+  }
+
+  void WriteOptions(const Field &field) {
+    Flag("multiple", field.multiple);
+    Key("options");
+    writer_.StartArray();
+    for (const FieldOption &option : field.options) {
+      writer_.StartObject();
+      Member("label", option.label);
+      Member("value", option.value);
+      if (option.group != kNoIndex) Optional("group", field.groups[option.group]);
+      if (option.selected) Flag("selected", true);
       writer_.EndObject();
     }
     writer_.EndArray();
@@ -198,6 +322,7 @@ class JsonWriter : public BlockSink {
   }
 
   Output &out_;
+  const DeckParts *parts_ = nullptr;
   rapidjson::StringBuffer buffer_;
   rapidjson::Writer<rapidjson::StringBuffer> writer_{buffer_};
 };

@@ -177,16 +177,23 @@ class MarkdownWriter : public BlockSink {
       if (run.link != link) {
         if (link != kNone) EndLink(content.links[link]);
         link = run.link;
-        if (link != kNone && IsSafeTarget(content.links[link].target)) line_ += '[';
+        if (link != kNone && IsFollowed(content.links[link])) line_ += '[';
       }
       AppendRun(content, run, feed, line_.size() == start && feed.empty());
     }
     if (link != kNone) EndLink(content.links[link]);
   }
 
+  // Fields of forms and actions without a target are text.
+  static bool IsFollowed(const Link &link) {
+    return IsSafeTarget(link.target) &&
+           (link.action == nullptr || link.action->task.kind == TaskKind::kGo) &&
+           link.field == nullptr;
+  }
+
   // A target that is not to be followed leaves its text alone.
   void EndLink(const Link &link) {
-    if (!IsSafeTarget(link.target)) return;
+    if (!IsFollowed(link)) return;
     line_ += "](";
     AppendTarget(line_, link.target);
     line_ += ')';

@@ -46,6 +46,28 @@ bool IsSafeSource(std::string_view source) {
   return HasSchemeOf(source, kImageSchemes);
 }
 
+std::string LinkTargetText(const Link &link) {
+  if (link.action == nullptr) return link.target;
+  const Task &task = link.action->task;
+  switch (task.kind) {
+    case TaskKind::kPrevious:
+      return "(back)";
+    case TaskKind::kRefresh:
+      return "(refresh)";
+    case TaskKind::kGo:
+      break;
+    default:
+      return "(nothing)";
+  }
+  std::string text = task.method == "get" ? link.target : task.method + ' ' + link.target;
+  const char *separator = " (";
+  for (const NameValue &field : task.postFields) {
+    text += separator + field.name + '=' + field.value;
+    separator = ", ";
+  }
+  return task.postFields.empty() ? text : text + ')';
+}
+
 std::string_view BaseName(std::string_view target) {
   target = target.substr(0, target.find_first_of("?#"));
   while (target.ends_with('/')) target.remove_suffix(1);

@@ -5,6 +5,7 @@
 #ifndef VS_WML_HOST_TARGET_H
 #define VS_WML_HOST_TARGET_H
 
+#include <string>
 #include <string_view>
 
 #include "host/document.h"
@@ -17,6 +18,10 @@ bool IsSafeTarget(std::string_view target);
 
 /// Whether an image may be shown from a page: relative, http or https.
 bool IsSafeSource(std::string_view source);
+
+/// Where a link leads, for people: its target, with what is sent there, or "(back)" and
+/// "(refresh)" for what has none.
+std::string LinkTargetText(const Link &link);
 
 /// The last part of a path, without query and fragment.
 std::string_view BaseName(std::string_view target);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "host/images/picture_formats.h"
 #include "host/target.h"
 #include "host/text_layout.h"
 #include "host/utf8.h"
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::string_view kRule = "\xE2\x94\x80";  // ─
 constexpr std::size_t kColumnGap = 2;
+constexpr std::size_t kMostLines = 48;  // of a picture that is drawn
 
 enum StyleBit : std::uint8_t { kBold = 1, kItalic = 2, kUnderline = 4, kLinked = 8 };
 
@@ -34,12 +36,16 @@ struct FlatText {
   }
 };
 
+// A link by its number; a field of a form looks like what it is.
+bool IsNumbered(const Content &content, std::uint32_t link) {
+  return link != kNone && content.links[link].field == nullptr;
+}
+
 std::uint8_t StyleBits(const Run &run) {
   unsigned bits = 0;
   if (run.style.bold) bits |= kBold;
   if (run.style.italic) bits |= kItalic;
   if (run.style.underline) bits |= kUnderline;
-  if (run.link != kNone) bits |= kLinked;
   return static_cast<std::uint8_t>(bits);
 }
 
@@ -58,7 +64,8 @@ class TextWriter : public BlockSink {
       : out_(output),
         width_(std::max<std::size_t>(options.width, 1)),
         color_(options.color),
-        nameHeading_(options.nameHeading) {}
+        nameHeading_(options.nameHeading),
+        images_(options.images) {}
 
   void BeginDocument(const DeckInfo &deck) override {
     firstCard_ = true;
@@ -74,17 +81,24 @@ class TextWriter : public BlockSink {
   }
 
   void TakeParagraph(const Paragraph &paragraph) override {
-    Flatten(paragraph.content);
     if (!paragraph.continues) blank_ = written_;
-    if (paragraph.preformatted) {
-      WriteLine({0, flat_.text.size(), 0}, 0);
-      return;
+    // Pictures that are drawn stand in lines of their own, before the number of the link
+    // that they are in.
+    drawing_ = images_;
+    Content part = paragraph.content;
+    const std::span<const Run> runs = paragraph.content.runs;
+    std::size_t done = 0;
+    for (std::size_t i = 0; drawing_ && i < runs.size(); ++i) {
+      const Bitmap *bitmap = SmallBitmap(paragraph.content, runs[i]);
+      if (bitmap == nullptr) continue;
+      part.runs = runs.subspan(done, i - done);
+      WriteParagraph(part, paragraph);
+      Draw(*bitmap, paragraph.alignment);
+      done = i;
     }
-    lines_.clear();
-    BreakLines(flat_.text, 0, flat_.text.size(), width_, LongWords::kKeep, lines_);
-    for (const Line &line : lines_) {
-      WriteLine(line, Indent(paragraph.alignment, width_, line.columns));
-    }
+    part.runs = runs.subspan(done);
+    WriteParagraph(part, paragraph);
+    drawing_ = false;
   }
 
   void TakeTable(const Table &table) override;
@@ -94,7 +108,7 @@ class TextWriter : public BlockSink {
     blank_ = written_;
     for (const Link &link : pendingLinks_) {
       FlushBlank();
-      out_ << '[' << std::size_t{link.number} << "] " << link.target << '\n';
+      out_ << '[' << std::size_t{link.number} << "] " << LinkTargetText(link) << '\n';
     }
     pendingLinks_.clear();
   }
@@ -114,6 +128,39 @@ class TextWriter : public BlockSink {
     const std::size_t free = width - std::min(width, columns);
     if (alignment == Alignment::kRight) return free;
     return alignment == Alignment::kCenter ? free / 2 : 0;
+  }
+
+  // The bitmap of a run that is a picture small enough to be drawn.
+  const Bitmap *SmallBitmap(const Content &content, const Run &run) const {
+    const LoadedPicture *picture = run.image == kNone ? nullptr : content.images[run.image].picture;
+    if (picture == nullptr || !picture->bitmap) return nullptr;
+    const Bitmap &bitmap = *picture->bitmap;
+    const bool fits = (bitmap.width + 1) / 2 <= width_ && (bitmap.height + 1) / 2 <= kMostLines;
+    return fits ? &bitmap : nullptr;
+  }
+
+  void Draw(const Bitmap &bitmap, Alignment alignment) {
+    const std::size_t indent = Indent(alignment, width_, (bitmap.width + 1) / 2);
+    FlushBlank();
+    for (const std::string &line : DrawBlocks(bitmap)) {
+      if (!line.empty()) out_.Pad(indent);
+      out_ << line << '\n';
+    }
+    written_ = true;
+  }
+
+  void WriteParagraph(const Content &content, const Paragraph &paragraph) {
+    Flatten(content);
+    if (flat_.text.empty() && content.runs.size() != paragraph.content.runs.size()) return;
+    if (paragraph.preformatted) {
+      WriteLine({0, flat_.text.size(), 0}, 0);
+      return;
+    }
+    lines_.clear();
+    BreakLines(flat_.text, 0, flat_.text.size(), width_, LongWords::kKeep, lines_);
+    for (const Line &line : lines_) {
+      WriteLine(line, Indent(paragraph.alignment, width_, line.columns));
+    }
   }
 
   void CardRule(const Card &card) {
@@ -143,7 +190,7 @@ class TextWriter : public BlockSink {
   void Append(const Content &content) {
     std::uint32_t link = kNone;
     const auto endLink = [&] {
-      if (link == kNone) return;
+      if (!IsNumbered(content, link)) return;
       flat_.text += '[';
       flat_.text += std::to_string(content.links[link].number);
       flat_.text += ']';
@@ -154,10 +201,15 @@ class TextWriter : public BlockSink {
         endLink();
         link = run.link;
       }
-      if (color_) flat_.marks.push_back({flat_.text.size(), StyleBits(run)});
+      if (color_) {
+        const unsigned linked = IsNumbered(content, run.link) ? kLinked : 0U;
+        const unsigned plain = run.link != kNone && linked == 0 ? kUnderline : 0U;
+        flat_.marks.push_back(
+            {flat_.text.size(), static_cast<std::uint8_t>((StyleBits(run) & ~plain) | linked)});
+      }
       if (run.image == kNone) {
         flat_.text += content.TextOf(run);
-      } else {
+      } else if (!drawing_ || SmallBitmap(content, run) == nullptr) {
         flat_.text += '[';
         flat_.text += ImageLabel(content.images[run.image]);
         flat_.text += ']';
@@ -227,6 +279,8 @@ class TextWriter : public BlockSink {
   std::size_t width_;
   bool color_;
   bool nameHeading_;
+  bool images_;
+  bool drawing_ = false;  ///< small pictures are drawn, not named
   bool firstCard_ = true;
   bool written_ = false;  ///< something stands above, so that a blank line separates
   bool blank_ = false;    ///< a blank line comes before the next line

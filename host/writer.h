@@ -18,6 +18,7 @@ enum class Format { kText, kHtml, kJson, kMarkdown };
 struct WriterOptions {
   std::size_t width = 80;    ///< columns of text
   bool color = false;        ///< ANSI styles in text
+  bool images = false;       ///< small pictures drawn in text with block characters
   bool nameHeading = false;  ///< head text and Markdown with the document's name
 };
 

@@ -2,6 +2,7 @@
 #include "host/adapter/deck_adapter.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "host/adapter/action_collector.h"
@@ -76,6 +77,7 @@ class DeckAdapter {
   bool EnsureCard();
   void OpenCard(DeckCard card, std::size_t offset);
   void CloseCard();
+  void ConnectFields(const DeckCard &card);
   void ShowActions(const DeckCard &card);
   void BeginDeck(const Token &) { inDeck_ = true; }
   void EndDeck(const Token &) { CloseCard(); }
@@ -152,6 +154,7 @@ class DeckAdapter {
   bool inHead_ = false;
   bool inTemplate_ = false;
   bool inCard_ = false;
+  std::size_t cardAction_ = 0;      // the first action of the card
   std::string align_;               // of the paragraph in force, an attribute value
   std::uint32_t tableDepth_ = 0;    // 1: in a table; more: in tables in its cells
   std::size_t table_ = 0;           // tables so far
@@ -345,6 +348,7 @@ void DeckAdapter::OpenCard(DeckCard card, std::size_t offset) {
   tableDepth_ = 0;
   links_.clear();
   adapted_.parts.cards.push_back(std::move(card));
+  cardAction_ = adapted_.parts.actions.size();
   actions_.BeginCard();
   writer_.BeginCard();
 }
@@ -356,9 +360,31 @@ void DeckAdapter::CloseCard() {
   DeckCard &card = adapted_.parts.cards.back();
   actions_.EndCard(card);
   writer_.CloseAll();
+  ConnectFields(card);
   ShowActions(card);
   writer_.EndCard();
   inCard_ = false;
+}
+
+// A post field whose value is a variable sends what is typed into the variable's field.
+void DeckAdapter::ConnectFields(const DeckCard &card) {
+  std::map<std::string_view, Field *> fields;
+  for (const std::size_t index : card.fields) {
+    Field &field = adapted_.parts.fields[index];
+    fields.try_emplace(field.name, &field);
+  }
+  std::vector<Action> &actions = adapted_.parts.actions;
+  for (std::size_t index = cardAction_; index < actions.size(); ++index) {
+    for (NameValue &pair : actions[index].task.postFields) {
+      const auto found = fields.find(pair.variable);
+      if (pair.variable.empty() || found == fields.end()) continue;
+      Field &field = *found->second;
+      if (field.action != kNoIndex) continue;
+      field.action = index;
+      field.sentName = pair.name;
+      pair.fromField = true;
+    }
+  }
 }
 
 // What the phone's keys, its menu and its timer do, below the text.

@@ -21,7 +21,8 @@ inline constexpr std::size_t kNoIndex = static_cast<std::size_t>(-1);
 struct NameValue {
   std::string name;
   std::string value;
-  std::string variable;  ///< the variable whose value it is, when it is nothing else
+  std::string variable;    ///< the variable whose value it is, when it is nothing else
+  bool fromField = false;  ///< a field gives the value, see Field::action
 };
 
 enum class TaskKind : std::uint8_t { kNone, kGo, kPrevious, kRefresh, kNothing };
@@ -81,6 +82,10 @@ struct Field {
   bool multiple = false;  ///< of a select
   std::vector<FieldOption> options;
   std::vector<std::string> groups;  ///< titles of the option groups
+  /// The first action of the card that sends the value, index into DeckParts::actions,
+  /// and the name that it sends it under.
+  std::size_t action = kNoIndex;
+  std::string sentName;
 };
 
 struct Picture {

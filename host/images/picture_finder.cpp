@@ -16,9 +16,10 @@ constexpr std::uintmax_t kLargestFile = 1U << 20U;
 
 // `file` under `folder`, when it exists and really lies there.
 std::optional<fs::path> Inside(const fs::path &folder, std::string_view file) {
-  if (file.empty() || file.find('\0') != std::string_view::npos) return std::nullopt;
+  if (folder.empty() || file.empty() || file.find('\0') != std::string_view::npos)
+    return std::nullopt;
   std::error_code error;
-  const fs::path root = fs::canonical(folder.empty() ? fs::path(".") : folder, error);
+  const fs::path root = fs::canonical(folder, error);
   if (error) return std::nullopt;
   const fs::path found = fs::canonical(root / fs::path(file).relative_path(), error);
   if (error || !fs::is_regular_file(found, error)) return std::nullopt;
