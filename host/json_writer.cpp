@@ -183,8 +183,8 @@ class JsonWriter : public BlockSink {
       Length(image.height, kTwipsPerPixel);
     }
     if (image.picture != nullptr && image.picture->bitmap) {
-      Number("pixelWidth", image.picture->bitmap->width);
-      Number("pixelHeight", image.picture->bitmap->height);
+      Number("fileWidth", image.picture->bitmap->width);
+      Number("fileHeight", image.picture->bitmap->height);
     }
     writer_.EndObject();
   }

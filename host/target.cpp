@@ -59,7 +59,8 @@ std::string LinkTargetText(const Link &link) {
     default:
       return "(nothing)";
   }
-  std::string text = task.method == "get" ? link.target : task.method + ' ' + link.target;
+  if (link.target.starts_with('#')) return link.target;
+  std::string text = (task.method == "post" ? "POST " : "") + link.target;
   const char *separator = " (";
   for (const NameValue &field : task.postFields) {
     text += separator + field.name + '=' + field.value;

@@ -41,11 +41,14 @@ bool IsNumbered(const Content &content, std::uint32_t link) {
   return link != kNone && content.links[link].field == nullptr;
 }
 
-std::uint8_t StyleBits(const Run &run) {
+// The filter underlines what stands for a field, as it does links.
+std::uint8_t StyleBits(const Content &content, const Run &run) {
+  const bool numbered = IsNumbered(content, run.link);
   unsigned bits = 0;
   if (run.style.bold) bits |= kBold;
   if (run.style.italic) bits |= kItalic;
-  if (run.style.underline) bits |= kUnderline;
+  if (run.style.underline && (numbered || run.link == kNone)) bits |= kUnderline;
+  if (numbered) bits |= kLinked;
   return static_cast<std::uint8_t>(bits);
 }
 
@@ -202,10 +205,7 @@ class TextWriter : public BlockSink {
         link = run.link;
       }
       if (color_) {
-        const unsigned linked = IsNumbered(content, run.link) ? kLinked : 0U;
-        const unsigned plain = run.link != kNone && linked == 0 ? kUnderline : 0U;
-        flat_.marks.push_back(
-            {flat_.text.size(), static_cast<std::uint8_t>((StyleBits(run) & ~plain) | linked)});
+        flat_.marks.push_back({flat_.text.size(), StyleBits(content, run)});
       }
       if (run.image == kNone) {
         flat_.text += content.TextOf(run);

@@ -85,7 +85,7 @@ void ActionCollector::BeginTask(TaskKind kind, const Token &token) {
     return;
   }
   Task &task = parts_.actions[owners_.back().action].task;
-  if (task.kind != TaskKind::kNone) {
+  if (task.kind != TaskKind::kUnset) {
     warnings_.Add("an action has more than one task; the first one counts", token.offset);
     return;
   }

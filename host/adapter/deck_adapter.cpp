@@ -389,11 +389,17 @@ void DeckAdapter::ConnectFields(const DeckCard &card) {
 
 // What the phone's keys, its menu and its timer do, below the text.
 void DeckAdapter::ShowActions(const DeckCard &card) {
+  bool first = true;
   for (const ActionKind kind : {ActionKind::kDo, ActionKind::kEvent}) {
     for (const std::size_t index : card.actions) {
       const Action &action = adapted_.parts.actions[index];
       if (action.kind != kind || !IsShown(action)) continue;
-      writer_.Paragraph({});
+      if (first) {
+        writer_.Paragraph({});
+      } else {
+        writer_.LineBreak();
+      }
+      first = false;
       writer_.Marker({ServedKind::kAction, index}, ActionLabel(action));
     }
   }

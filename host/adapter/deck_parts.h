@@ -25,11 +25,11 @@ struct NameValue {
   bool fromField = false;  ///< a field gives the value, see Field::action
 };
 
-enum class TaskKind : std::uint8_t { kNone, kGo, kPrevious, kRefresh, kNothing };
+enum class TaskKind : std::uint8_t { kUnset, kGo, kPrevious, kRefresh, kNothing };
 
 /// What an action does.
 struct Task {
-  TaskKind kind = TaskKind::kNone;
+  TaskKind kind = TaskKind::kUnset;
   std::string target;         ///< of kGo, as the document has it
   std::string method;         ///< of kGo: "get" or "post", or what the document says
   std::string encoding;       ///< of kGo: the enctype, empty when not given

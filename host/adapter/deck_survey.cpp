@@ -53,8 +53,9 @@ class Surveyor {
     // Values in values: what is known so far. The length of a value is bounded, so
     // that values made of values do not grow without end.
     std::size_t budget = Variables::kLongestValue;
-    variables_.Suggest(DecodeAttribute(*name),
-                       variables_.Substitute(DecodeAttribute(*value), Conversion::kNone, budget));
+    variables_.Suggest(
+        DecodeAttribute(*name),
+        variables_.Substitute(DecodeAttribute(*value), Conversion::kVerbatim, budget));
   }
 
   Variables &variables_;

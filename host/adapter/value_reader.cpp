@@ -12,7 +12,7 @@ namespace vs_wml {
 std::string ValueReader::Text(const Token &token, std::string_view attribute) {
   const std::string_view *raw = token.Find(attribute);
   if (raw == nullptr) return {};
-  return variables_.Substitute(DecodeAttribute(*raw), Conversion::kNone, budget_);
+  return variables_.Substitute(DecodeAttribute(*raw), Conversion::kVerbatim, budget_);
 }
 
 std::string ValueReader::Target(const Token &token, std::string_view attribute) {
@@ -58,7 +58,7 @@ std::string ValueReader::Word(const Token &token, std::string_view attribute) {
 }
 
 std::string ValueReader::Show(const VariableReference &reference) {
-  std::string shown = variables_.Show(reference, Conversion::kNone);
+  std::string shown = variables_.Show(reference, Conversion::kVerbatim);
   // What `{name}` adds to the reference itself is always affordable.
   if (shown.size() > reference.name.size() + 2 && !Spend(shown.size())) {
     shown = '{' + std::string(reference.name) + '}';

@@ -38,7 +38,7 @@ class ValueReader {
   /// which the filter can take as it is; else empty.
   static std::string Word(const Token &token, std::string_view attribute);
 
-  /// What a reference in text shows; kNone is usual.
+  /// What a reference in text shows; kVerbatim is usual.
   std::string Show(const VariableReference &reference);
   /// Takes `size` from the budget; false when there is not so much left.
   bool Spend(std::size_t size);

@@ -30,7 +30,7 @@ struct ConversionName {
 constexpr ConversionName kConversions[] = {
     {"e", Conversion::kEscape},   {"escape", Conversion::kEscape},
     {"u", Conversion::kUnescape}, {"unesc", Conversion::kUnescape},
-    {"n", Conversion::kNone},     {"noesc", Conversion::kNone}};
+    {"n", Conversion::kVerbatim}, {"noesc", Conversion::kVerbatim}};
 
 constexpr std::size_t kLongestConversion = 6;
 

@@ -17,7 +17,7 @@ enum class Conversion : std::uint8_t {
   kDefault,   ///< none is given: what is usual where the reference stands
   kEscape,    ///< percent-encoded
   kUnescape,  ///< percent-decoded
-  kNone       ///< as it is
+  kVerbatim   ///< as it is
 };
 
 /// A reference at a '$'. `length` is 0 when there is none; a doubled dollar has length

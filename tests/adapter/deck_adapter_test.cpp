@@ -151,7 +151,7 @@ constexpr DocumentCase kDocuments[] = {
     {"<wml><x>lost</x><card/></wml>", "<wml><card></card></wml>"},
     {"<wml><template><do type='prev' label='B'><prev/></do><do name='n' type='help'><go href='h'/>"
      "</do></template><card>1</card><card><do type='options' name='n'><noop/></do>2</card></wml>",
-     "<wml><card>1<p><a href=\"unwml:a:0\">B</a><p><a href=\"unwml:a:1\">Help</a></card>"
+     "<wml><card>1<p><a href=\"unwml:a:0\">B</a><br/><a href=\"unwml:a:1\">Help</a></card>"
      "<card>2<p><a href=\"unwml:a:0\">B</a></card></wml>"},
     {"", "<wml></wml>"},
     {"<wml><card>x</card", "<wml><card>x</card></wml>"},

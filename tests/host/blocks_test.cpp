@@ -41,7 +41,7 @@ const BlockCase kCases[] = {
     {"UnclosedTable", "<card><p><table columns='1'><tr><td>a", "{|\nT /l a,\n}\n."},
     {"CardInTable", "<card><table columns='1'><tr><td>a<card id='b'><p>c</p></card>",
      "{|\nT /l a,\n}\n{b|\nPl c\n}\n."},
-    {"OutsideOfCards", "a &eacute; <p>b</p>", "."},
+    {"WithoutCards", "a &eacute; <p>b</p>", "{|\nPl a é\nPl b\n}\n."},
 };
 
 TEST(Blocks, AreWhatTheMarkupSays) {

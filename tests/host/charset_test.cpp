@@ -118,8 +118,8 @@ TEST(Charset, MarksAndWideFormsNeedNoDeclaration) {
 TEST(Charset, IsFoundInTheOrderOfBelief) {
   const std::string utf8 = "<wml><card><p>\xC3\xA9</p></card></wml>";
   const std::string latin = "<wml><card><p>\xE9t\xE9</p></card></wml>";
-  const std::string koi8 = Encode(
-      "<wml><card><p>Сегодня хорошая погода, и мы идем в парк</p></card>", "KOI8-R");
+  const std::string koi8 =
+      Encode("<wml><card><p>Сегодня хорошая погода, и мы идем в парк</p></card>", "KOI8-R");
   struct {
     std::string bytes;
     CharsetOrigin origin;
