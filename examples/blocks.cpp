@@ -9,6 +9,7 @@
 
 #include "host/deck.h"
 #include "host/reader.h"
+#include "host/target.h"
 
 struct LinkList : vs_wml::BlockSink {
   void BeginCard(const vs_wml::Card &card) override { std::cout << "card " << card.title << '\n'; }
@@ -16,8 +17,9 @@ struct LinkList : vs_wml::BlockSink {
   void TakeTable(const vs_wml::Table &table) override { Take(table.content); }
   static void Take(const vs_wml::Content &content) {
     for (const vs_wml::Run &run : content.runs) {
-      if (run.link == vs_wml::kNone) continue;
-      std::cout << "  " << content.TextOf(run) << " -> " << content.links[run.link].target << '\n';
+      if (run.link == vs_wml::kNone || content.links[run.link].field != nullptr) continue;
+      std::cout << "  " << content.TextOf(run) << " -> "
+                << vs_wml::LinkTargetText(content.links[run.link]) << '\n';
     }
   }
   void BeginDocument(const vs_wml::DeckInfo & /*deck*/) override {}

@@ -150,18 +150,20 @@ class JsonWriter : public BlockSink {
     const TextStyle &style = run.style;
     if (style.bold) Flag("bold", true);
     if (style.italic) Flag("italic", true);
-    if (style.underline) Flag("underline", true);
+    // The filter marks what stands for a field as it marks links.
+    const bool isField = run.link != kNone && content.links[run.link].field != nullptr;
+    if (style.underline && !isField) Flag("underline", true);
     if (style.halfPoints != kOrdinaryHalfPoints) {
       Key("size");
       Length(style.halfPoints, kHalfPointsPerPoint);
     }
-    if (style.color != 0) {
+    if (style.color != 0 && !isField) {
       std::array<char, 8> color{};
       std::snprintf(color.data(), color.size(), "#%02x%02x%02x", style.color & 0xFFU,
                     (style.color >> 8U) & 0xFFU, (style.color >> 16U) & 0xFFU);
       Member("color", color.data());
     }
-    if (run.link != kNone && content.links[run.link].field != nullptr) {
+    if (isField) {
       Key("field");
       WriteField(*content.links[run.link].field);
     } else if (run.link != kNone) {
