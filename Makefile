@@ -6,7 +6,7 @@ DESTDIR ?=
 BUILD := build/$(PRESET)
 
 .DEFAULT_GOAL := help
-.PHONY: help deps build demo test bench coverage deb install format clean
+.PHONY: help deps configure build demo test bench coverage deb install format clean
 
 help: ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -15,11 +15,14 @@ help: ## this list
 deps:
 	@scripts/install-deps build test
 
-build: deps ## build the library, unwml and the tests in build/release
+configure: deps
 	@mkdir -p build && cmake --preset $(PRESET) >$(BUILD).log 2>&1 || { cat $(BUILD).log; exit 1; }
+
+build: configure ## build the library, unwml and the tests in build/release
 	@cmake --build --preset $(PRESET) -j $(JOBS)
 
-demo: build ## read a shipped deck
+demo: configure ## read a shipped deck
+	@cmake --build --preset $(PRESET) -j $(JOBS) --target unwml
 	@$(BUILD)/cli/unwml examples/decks/harbour.wml
 
 test: build ## build and run all tests
