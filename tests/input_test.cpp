@@ -220,5 +220,37 @@ TEST(Table, IsReadAheadOnce) {
   EXPECT_LE(again.reads, 6u);
 }
 
+TEST(Table, IsFoundAgainWhenTheHostJumpsAbout) {
+  const std::string table = "<table columns=1><tr><td>" + std::string(9000, 'x') + "</table>";
+  const std::string text = Deck("a<br/>" + table + table + table);
+  const std::size_t third = text.rfind("<table");
+  BlockSource source(text);
+  Host host;
+  host.answerBreak = [](std::uint32_t) { return SO_STOP; };
+  Session session(source, host);
+  session.Open();
+  session.Read();
+  const SavedState first = session.Save();
+  host.answerBreak = nullptr;
+  session.Seek(static_cast<std::uint32_t>(third));
+  ASSERT_TRUE(session.Read());  // measures the third
+  std::string told[2];
+  Counts counts[2];
+  for (int round = 0; round < 2; ++round) {
+    host.checker = {};
+    session.Restore(first);
+    Take(source);
+    const std::size_t before = host.Text().size();
+    ASSERT_TRUE(session.Read());
+    told[round] = host.Text().substr(before);
+    counts[round] = Take(source);
+  }
+  EXPECT_EQ(told[0], told[1]);
+  EXPECT_EQ(host.checker.Fault(), "");
+  // Three tables of five blocks each, of which two are read ahead in the first round.
+  EXPECT_GE(counts[0].reads, counts[1].reads + 8);
+  EXPECT_LE(counts[1].reads, 17u);
+}
+
 }  // namespace
 }  // namespace vs_wml::test
