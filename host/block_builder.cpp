@@ -86,8 +86,8 @@ struct BlockBuilder::Routines_ {
   static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
     BlockBuilder &builder = Of(user);
     // Nearly every call ends here; the rest stays out of line to keep it short.
-    const bool printable = unit >= 0x20 && unit < 0x7F;
-    if (printable && builder.text_.TryAdd(static_cast<char>(unit))) return 0;
+    const bool plain = unit >= 0x20 && unit != 0x7F && (unit < 0x80 || builder.servedByte_);
+    if (plain && builder.text_.TryAdd(static_cast<char>(unit))) return 0;
     builder.EmitOther(unit);
     return 0;
   }
@@ -234,17 +234,12 @@ void BlockBuilder::AppendCharacter(char32_t character) {
     std::string bytes;
     AppendUtf8(bytes, character);
     text_.Add(bytes);
-    nonAscii_ = nonAscii_ || character >= 0x80;
   }
 }
 
-// Units that need more than a store: beyond printable ASCII they are the bytes of UTF-8, or UTF-16
-// from a reference.
+// Units that need more than a store: control characters and UTF-16 from a reference.
 void BlockBuilder::EmitOther(std::uint32_t unit) {
-  if (charset_ != HOST_CS_UNICODE && unit >= 0x80) {
-    text_.Add(static_cast<char>(unit));
-    nonAscii_ = true;
-  } else if (unit >= 0x20 && unit < 0x7F) {
+  if (unit >= 0x80 && servedByte_) {
     text_.Add(static_cast<char>(unit));
   } else {
     AppendCharacter(unit);
@@ -272,6 +267,7 @@ void BlockBuilder::EmitCoded(std::uint32_t code) {
 void BlockBuilder::SwitchCharset(std::uint32_t hostCharset) {
   FlushCoded();
   charset_ = hostCharset;
+  servedByte_ = deck_.servedAsUtf8 && hostCharset != HOST_CS_UNICODE;
 }
 
 void BlockBuilder::FlushCoded() {
@@ -290,14 +286,11 @@ void BlockBuilder::FlushCoded() {
 void BlockBuilder::CloseRun() {
   FlushCoded();
   if (text_.Size() == runStart_) return;
-  if (nonAscii_) {
-    const std::string_view tail = text_.View().substr(runStart_);
-    if (!IsValidUtf8(tail)) {
-      const std::string repaired = RepairUtf8(tail);
-      text_.Truncate(runStart_);
-      text_.Add(repaired);
-    }
-    nonAscii_ = false;
+  const std::string_view tail = text_.View().substr(runStart_);
+  if (!IsValidUtf8(tail)) {
+    const std::string repaired = RepairUtf8(tail);
+    text_.Truncate(runStart_);
+    text_.Add(repaired);
   }
   Run run;
   run.begin = static_cast<std::uint32_t>(runStart_);
@@ -321,7 +314,6 @@ void BlockBuilder::StartContent() {
   links_.clear();
   images_.clear();
   runStart_ = 0;
-  nonAscii_ = false;
   link_ = kNone;
   if (linkOpen_) {
     links_.push_back(openLink_);

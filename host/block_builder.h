@@ -100,7 +100,7 @@ class BlockBuilder {
   std::uint32_t charset_ = HOST_CS_UNICODE;
   std::string coded_;           ///< codes not yet converted, of documents served untouched
   char32_t highSurrogate_ = 0;  ///< waiting for its other half, 0: none
-  bool nonAscii_ = false;       ///< the open run holds more than ASCII
+  bool servedByte_ = false;     ///< units above 0x7F are the bytes of served UTF-8
 
   // The block.
   TextBuffer text_;

@@ -32,6 +32,16 @@ bool HasTag(std::string_view text, std::string_view tag) {
   return false;
 }
 
+std::size_t CountReplacements(std::string_view text) {
+  constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+  std::size_t count = 0;
+  for (std::size_t at = text.find(kReplacement); at != std::string_view::npos;
+       at = text.find(kReplacement, at + kReplacement.size())) {
+    ++count;
+  }
+  return count;
+}
+
 // Throws unless the text looks like WML.
 void RequireWml(std::string_view text) {
   if (HasTag(text, "<wml") || HasTag(text, "<card")) return;
@@ -93,6 +103,10 @@ Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options
   if (bytes.empty()) throw NotWml("empty document");
   std::string text = TextOf(std::move(bytes), options, deck.info);
   RequireWml(text);
+  if (const std::size_t count = CountReplacements(text); count != 0) {
+    deck.info.warnings.push_back(std::to_string(count) +
+                                 " places are not well-formed in the character set");
+  }
   if (options.raw) {
     deck.bytes = MakeServedBytes(std::move(text));
   } else {

@@ -19,11 +19,23 @@ struct CloseText {
   void operator()(UText *text) const { utext_close(text); }
 };
 
-// Finds the segments of a text: stretches that stay together, with the blanks behind.
-class Segmenter {
+// Whether lines of the text may break between characters, not only at blanks.
+bool HasWideCharacters(std::string_view text) {
+  // The first wide characters have the lead byte 0xE1.
+  const auto wide = std::find_if(text.begin(), text.end(),
+                                 [](char c) { return static_cast<unsigned char>(c) >= 0xE1; });
+  for (auto offset = static_cast<std::size_t>(wide - text.begin()); offset < text.size();) {
+    if (ColumnWidth(NextCharacter(text, offset)) == 2) return true;
+  }
+  return false;
+}
+
+// Finds the places of a text where a line may end: behind blanks and, in East Asian
+// text, where Unicode's rules allow it.
+class BreakFinder {
  public:
-  explicit Segmenter(std::string_view text) : text_(text) {
-    if (HasWideCharacters()) iterator_ = WideIterator();
+  explicit BreakFinder(std::string_view text) : text_(text) {
+    if (HasWideCharacters(text)) iterator_ = WideIterator();
     if (iterator_ == nullptr) return;
     UErrorCode status = U_ZERO_ERROR;
     utext_.reset(
@@ -32,28 +44,34 @@ class Segmenter {
     if (U_FAILURE(status)) iterator_ = nullptr;
   }
 
-  // End of the segment that begins at `begin`.
-  std::size_t End(std::size_t begin) {
+  // The last place at `offset` or before; 0 when there is none.
+  std::size_t Last(std::size_t offset) {
     if (iterator_ != nullptr) {
-      const std::int32_t next = ubrk_following(iterator_, static_cast<std::int32_t>(begin));
-      return next == UBRK_DONE ? text_.size() : static_cast<std::size_t>(next);
+      const auto from = static_cast<std::int32_t>(offset);
+      if (ubrk_isBoundary(iterator_, from) != 0) return offset;
+      const std::int32_t place = ubrk_preceding(iterator_, from);
+      return place == UBRK_DONE ? 0 : static_cast<std::size_t>(place);
     }
-    std::size_t end = std::min(text_.find(' ', begin), text_.size());
-    while (end < text_.size() && text_[end] == ' ') ++end;
-    return end;
+    const std::size_t blank = offset == 0 ? std::string_view::npos : text_.rfind(' ', offset - 1);
+    return blank == std::string_view::npos ? 0 : blank + 1;
+  }
+
+  // The first place behind `offset`; the end of the text is one.
+  std::size_t Next(std::size_t offset) {
+    if (iterator_ != nullptr) {
+      const std::int32_t place = ubrk_following(iterator_, static_cast<std::int32_t>(offset));
+      return place == UBRK_DONE ? text_.size() : static_cast<std::size_t>(place);
+    }
+    const std::size_t blank = text_.find(' ', offset);
+    return blank == std::string_view::npos ? text_.size() : SkipBlanks(blank);
+  }
+
+  std::size_t SkipBlanks(std::size_t offset) const {
+    while (offset < text_.size() && text_[offset] == ' ') ++offset;
+    return offset;
   }
 
  private:
-  bool HasWideCharacters() const {
-    // The first wide characters have the lead byte 0xE1.
-    const auto wide = std::find_if(text_.begin(), text_.end(),
-                                   [](char c) { return static_cast<unsigned char>(c) >= 0xE1; });
-    for (auto offset = static_cast<std::size_t>(wide - text_.begin()); offset < text_.size();) {
-      if (ColumnWidth(NextCharacter(text_, offset)) == 2) return true;
-    }
-    return false;
-  }
-
   // Opening an iterator is slow: each thread keeps its own.
   static UBreakIterator *WideIterator() {
     thread_local std::unique_ptr<UBreakIterator, CloseIterator> iterator;
@@ -75,93 +93,52 @@ std::size_t WithoutBlanks(std::string_view text, std::size_t begin, std::size_t 
   return end;
 }
 
-// Appends the lines of a text without line feeds.
-class LineBreaker {
- public:
-  LineBreaker(std::string_view text, std::size_t offset, std::size_t width, LongWords longWords,
-              std::vector<Line> &lines)
-      : text_(text), offset_(offset), width_(width), longWords_(longWords), lines_(lines) {}
-
-  void Run() {
-    const std::size_t whole = WithoutBlanks(text_, 0, text_.size());
-    if (longWords_ == LongWords::kKeep && AsciiPrefix(text_) == text_.size()) {
-      RunAscii(whole);
-      return;
-    }
-    const std::size_t columns = ColumnWidth(text_.substr(0, whole));
-    if (columns <= width_) {
-      lines_.push_back({offset_, offset_ + whole, columns});
-      return;
-    }
-    Segmenter segmenter(text_.substr(0, whole));
-    for (std::size_t begin = 0; begin < whole;) {
-      const std::size_t end = segmenter.End(begin);
-      Add(begin, end);
-      begin = end;
-    }
-    EndLine();
+// Where the first character stands that does not fit into `width` columns from `begin`
+// on; the end of the text when all do.
+std::size_t FitColumns(std::string_view text, std::size_t begin, std::size_t width) {
+  const std::size_t ascii = AsciiPrefix(text.substr(begin, width));
+  std::size_t offset = begin + ascii;
+  std::size_t columns = ascii;
+  while (offset < text.size()) {
+    std::size_t next = offset;
+    columns += static_cast<std::size_t>(ColumnWidth(NextCharacter(text, next)));
+    if (columns > width) break;
+    offset = next;
   }
+  return offset;
+}
 
- private:
-  // A byte is a column: the last blank that fits is looked for from the right.
-  void RunAscii(std::size_t whole) {
-    std::size_t begin = 0;
-    while (whole - begin > width_) {
-      std::size_t blank = text_.rfind(' ', begin + width_);
-      if (blank == std::string_view::npos || blank <= begin) {
-        blank = text_.find(' ', begin + width_);
+// Appends the lines of a text without line feeds, which begins at `offset` of another.
+void BreakPlainLines(std::string_view text, std::size_t offset, std::size_t width,
+                     LongWords longWords, std::vector<Line> &lines) {
+  text = text.substr(0, WithoutBlanks(text, 0, text.size()));
+  const auto add = [&](std::size_t begin, std::size_t end) {
+    lines.push_back({offset + begin, offset + end, ColumnWidth(text.substr(begin, end - begin))});
+  };
+  std::size_t full = FitColumns(text, 0, width);
+  std::size_t begin = 0;
+  if (full < text.size()) {
+    BreakFinder finder(text);
+    for (; full < text.size(); full = FitColumns(text, begin, width)) {
+      std::size_t next = finder.Last(full);
+      if (text[full] == ' ') {
+        next = finder.SkipBlanks(full);
+      } else if (next <= begin) {
+        // A single word; a character wider than the line has one of its own.
+        if (longWords == LongWords::kKeep) {
+          next = finder.Next(full);
+        } else if (full > begin) {
+          next = full;
+        } else {
+          NextCharacter(text, next = begin);
+        }
       }
-      if (blank >= whole) break;
-      const std::size_t end = WithoutBlanks(text_, begin, blank);
-      lines_.push_back({offset_ + begin, offset_ + end, end - begin});
-      begin = blank + 1;
-      while (text_[begin] == ' ') ++begin;
-    }
-    lines_.push_back({offset_ + begin, offset_ + whole, whole - begin});
-  }
-
-  void Add(std::size_t begin, std::size_t end) {
-    const std::size_t visible = WithoutBlanks(text_, begin, end);
-    const std::size_t columns = ColumnWidth(text_.substr(begin, visible - begin));
-    if (columns_ != 0 && columns_ + blanks_ + columns > width_) EndLine();
-    if (columns_ == 0) begin_ = begin;
-    if (columns > width_ && longWords_ == LongWords::kBreak) {
-      AddInPieces(begin, visible);
-    } else {
-      columns_ += blanks_ + columns;
-      end_ = visible;
-    }
-    blanks_ = end - visible;
-  }
-
-  void AddInPieces(std::size_t begin, std::size_t end) {
-    for (std::size_t offset = begin; offset < end;) {
-      std::size_t next = offset;
-      const auto columns = static_cast<std::size_t>(ColumnWidth(NextCharacter(text_, next)));
-      if (columns_ != 0 && columns_ + columns > width_) {
-        EndLine();
-        begin_ = offset;
-      }
-      columns_ += columns;
-      end_ = offset = next;
+      add(begin, WithoutBlanks(text, begin, next));
+      begin = next;
     }
   }
-
-  void EndLine() {
-    lines_.push_back({offset_ + begin_, offset_ + end_, columns_});
-    columns_ = blanks_ = 0;
-  }
-
-  std::string_view text_;
-  std::size_t offset_;
-  std::size_t width_;
-  LongWords longWords_;
-  std::vector<Line> &lines_;
-  std::size_t begin_ = 0;
-  std::size_t end_ = 0;
-  std::size_t columns_ = 0;
-  std::size_t blanks_ = 0;
-};
+  if (begin < text.size() || begin == 0) add(begin, text.size());
+}
 
 }  // namespace
 
@@ -169,9 +146,8 @@ void BreakLines(std::string_view text, std::size_t begin, std::size_t end, std::
                 LongWords longWords, std::vector<Line> &lines) {
   while (true) {
     const std::size_t feed = std::min(text.substr(0, end).find('\n', begin), end);
-    LineBreaker(text.substr(begin, feed - begin), begin, std::max<std::size_t>(width, 1), longWords,
-                lines)
-        .Run();
+    BreakPlainLines(text.substr(begin, feed - begin), begin, std::max<std::size_t>(width, 1),
+                    longWords, lines);
     if (feed == end) return;
     begin = feed + 1;
   }
@@ -179,19 +155,17 @@ void BreakLines(std::string_view text, std::size_t begin, std::size_t end, std::
 
 std::size_t WidestWord(std::string_view text) {
   std::size_t widest = 0;
-  Segmenter segmenter(text);
-  for (std::size_t begin = 0; begin < text.size();) {
-    std::size_t end = segmenter.End(begin);
-    const std::string_view segment = text.substr(begin, end - begin);
-    std::size_t visible = 0;
-    for (std::size_t feed = 0; feed <= segment.size(); ++feed) {
-      if (feed == segment.size() || segment[feed] == '\n') {
-        const std::size_t last = WithoutBlanks(segment, visible, feed);
-        widest = std::max(widest, ColumnWidth(segment.substr(visible, last - visible)));
-        visible = feed + 1;
-      }
+  for (std::size_t begin = 0; begin <= text.size();) {
+    const std::size_t feed = std::min(text.find('\n', begin), text.size());
+    const std::string_view line = text.substr(begin, feed - begin);
+    BreakFinder finder(line);
+    for (std::size_t word = 0; word < line.size();) {
+      const std::size_t next = finder.Next(word);
+      const std::size_t end = WithoutBlanks(line, word, next);
+      widest = std::max(widest, ColumnWidth(line.substr(word, end - word)));
+      word = next;
     }
-    begin = end;
+    begin = feed + 1;
   }
   return widest;
 }

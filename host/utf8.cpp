@@ -120,6 +120,11 @@ char32_t NextCharacter(std::string_view text, std::size_t &offset) {
 
 int ColumnWidth(char32_t character) {
   if (character < 0x300) return character == 0xAD ? 0 : 1;
+  // Kana but for its combining marks, ideographs, Hangul: not worth a look-up.
+  if ((character >= 0x3041 && character <= 0x3096) || (character >= 0x30A1 && character < 0x3100) ||
+      (character >= 0x4E00 && character < 0xA000) || (character >= 0xAC00 && character < 0xD7A4)) {
+    return 2;
+  }
   const auto code = static_cast<UChar32>(character);
   const auto mask = U_GET_GC_MASK(code);
   if ((mask & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0) return 0;
