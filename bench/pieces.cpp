@@ -12,7 +12,6 @@
 #include "lexer/name_lookup.h"
 #include "memory_block.h"
 #include "support/heap.h"
-#include "tables/column_widths.h"
 #include "tables/table_scan.h"
 
 namespace {
@@ -116,18 +115,6 @@ void MeasureTables(benchmark::State &state) {
   ReportBytes(state, inTables);
 }
 BENCHMARK(MeasureTables);
-
-void ShareWidths(benchmark::State &state) {
-  constexpr uint16_t kColumns = 6;
-  ColumnExtent columns[kColumns];
-  for (uint32_t i = 0; i < kColumns; ++i) columns[i] = {2000 + 300 * i, 9000 + 2000 * i};
-  uint32_t widths[kColumns];
-  for (auto _ : state) {
-    DistributeWidths(columns, kColumns, widths);
-    benchmark::DoNotOptimize(widths);
-  }
-}
-BENCHMARK(ShareWidths);
 
 // Finding a style again among as many as the argument says.
 void StoreStyle(benchmark::State &state) {

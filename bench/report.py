@@ -96,11 +96,11 @@ def report_times(bench):
     def shortest(deck, row):
         return "-" if row[0] == "-" else f"{float(row[4]) / best[deck, FLOOR]:.2f}"
 
-    print_table(f"Shortest time, multiples of the floor's shortest ({size}):", "", KINDS,
+    print_table(f"Processor time, shortest, in multiples of the floor's ({size}):", "", KINDS,
                 by_contender(results, shortest))
-    print_table("Time, median of the rounds' multiples of the floor:", "", KINDS,
+    print_table("Processor time, median of the rounds' multiples of the floor:", "", KINDS,
                 by_contender(results, lambda _, row: "-" if row[0] == "-" else f"{float(row[5]):.2f}"))
-    print_table("Megabytes a second, shortest time:", "", KINDS,
+    print_table("Megabytes per second of processor time, shortest:", "", KINDS,
                 by_contender(results, lambda _, row: "-" if row[0] == "-" else
                              f"{int(row[0]) / float(row[4]) / 1e6:.0f}"))
 
@@ -150,7 +150,7 @@ def report_scaling(bench):
             deck.unlink()
             row = results[kind, FILTER]
             rows.setdefault(kind, []).append(f"{float(row[4]) / int(row[0]) * 1e9:.2f}")
-    print_table("Nanoseconds per byte of the deck, shortest of 3:", "",
+    print_table("Nanoseconds of processor time per byte of the deck, shortest of 3:", "",
                 [f"{size / 1e6:g} MB" for size in sizes], rows)
 
 

@@ -26,9 +26,9 @@ class ShiftJisMap {
     }
     iconv_close(converter);
   }
-  static int Convert(void *, const char *bytes) {
-    static const ShiftJisMap kMap;
-    return kMap.map_[size_t{static_cast<uint8_t>(bytes[0])} << 8 | static_cast<uint8_t>(bytes[1])];
+  static int Convert(void *self, const char *bytes) {
+    const size_t lead = static_cast<uint8_t>(bytes[0]);
+    return static_cast<ShiftJisMap *>(self)->map_[lead << 8 | static_cast<uint8_t>(bytes[1])];
   }
 
  private:
@@ -43,7 +43,8 @@ int OnUnknownEncoding(void *, const XML_Char *name, XML_Encoding *encoding) {
     encoding->map[byte] = byte < 0x80 ? byte : halfWidth ? 0xFF61 + byte - 0xA1 : lead ? -2 : -1;
   }
   encoding->convert = ShiftJisMap::Convert;
-  encoding->data = nullptr;
+  static ShiftJisMap map;
+  encoding->data = &map;
   encoding->release = nullptr;
   return XML_STATUS_OK;
 }
