@@ -6,7 +6,7 @@ DESTDIR ?=
 BUILD := build/$(PRESET)
 
 .DEFAULT_GOAL := help
-.PHONY: help deps configure build demo test bench coverage deb install format clean
+.PHONY: help deps configure build demo test bench coverage deb install format picture clean
 
 help: ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -52,6 +52,9 @@ install: build ## install under PREFIX (default /usr/local); DESTDIR is honoured
 format: ## clang-format all sources
 	@scripts/install-deps tool
 	@scripts/format
+
+picture: build ## draw docs/picture.svg
+	@scripts/picture $(BUILD)/cli/unwml examples/decks/harbour.wml >docs/picture.svg
 
 clean: ## remove build/
 	@rm -rf build
