@@ -95,7 +95,8 @@ let count = 0;
 for (const element of document.querySelectorAll('*'))
   for (const attribute of element.attributes)
     if (attribute.name.startsWith('on') ||
-        /^\\s*(javascript|data|vbscript):/i.test(element.href || element.src || '')) count++;
+        /^\\s*(javascript:|vbscript:|data:(?!image\\/png;base64,))/i
+          .test(element.href || element.src || '')) count++;
 return count;
 """
 INJECT = """
