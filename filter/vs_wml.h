@@ -44,6 +44,11 @@
  * 0). An instance that is not open (before VwStreamOpen, after VwStreamClose)
  * reads as nothing: VwStreamRead and VwStreamSection return 0 without a call.
  *
+ * Memory. An instance takes 2.5 KB, its input buffer 2 KB and the scratch strings of a
+ * read at most 8 KB, whatever the length of the document; and the stream keeps 284 bytes
+ * for each table and 16 for each distinct style, with up to half of that again in
+ * reserve. A read that has begun allocates for those alone.
+ *
  * Work. A document is read in time proportional to its length, except that a
  * table is read ahead once to measure it before it is told, and that a
  * document can be written so that many unclosed tables each read ahead to its
@@ -99,9 +104,10 @@ typedef struct VwBlockHandle {
    * later read asks again. A count above `wanted` is taken as `wanted`. */
   uint32_t (*read)(VwHandle self, void *buffer, uint32_t wanted, uint32_t *delivered);
   VwRoutine third; /**< never called */
-  /** Moves the position to `offset` bytes from the start (`origin` 0) or from
-   * the end (`origin` 2); 0 on success, else a failure. Seeking beyond the
-   * end is no failure: the next read delivers 0 bytes. */
+  /** Moves the position to `offset` bytes from the start; 0 on success, else a
+   * failure, after which the next read asks for its position again. `origin` is
+   * always 0 (2, from the end, is set aside). Seeking beyond the end is no
+   * failure: the next read delivers 0 bytes. */
   uint32_t (*seek)(VwHandle self, uint32_t origin, uint32_t offset);
   /** Stores the current position through `position`; 0 on success. A handle
    * that is shared may stand anywhere: the filter asks before each read and
