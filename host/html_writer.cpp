@@ -36,11 +36,11 @@ constexpr std::string_view kStyle =
     "pre { margin: .7em 0; font-size: .85em; overflow-x: auto; }\n"
     "input, select, button { font: inherit; max-width: 100%; }\n"
     "img { image-rendering: pixelated; }\n"
+    "a, .inert { color: #00f; text-decoration: underline; }\n"
     ".key, button { display: inline-block; margin: .1em 0; padding: .1em .7em; color: #000;"
     " background: #eee; border: 1px solid #777; border-radius: .4em; text-decoration: none; }\n"
-    ".key a { color: inherit; text-decoration: none; }\n"
-    ".event::before { content: '\\23F1\\00A0'; }\n"
-    "a, .inert { color: #00f; text-decoration: underline; }\n"
+    ".inert.key { color: #555; }\n"
+    ".event::before { content: '\\2192\\00A0'; }\n"
     "table { border-collapse: collapse; margin: .7em 0; max-width: 100%; }\n"
     "td { border: 1px solid #000; padding: .1em .4em; vertical-align: top; }\n"
     "img { vertical-align: middle; max-width: 100%; }\n"
@@ -51,6 +51,7 @@ constexpr std::string_view kStyle =
     "</style>\n";
 
 constexpr std::string_view kFormId = "unwml-form-";
+constexpr std::size_t kMostRows = 6;               // of a list of options
 constexpr std::size_t kMostEmbedded = 16U << 20U;  // bytes of pictures in a page
 
 constexpr std::array<std::string_view, 4> kAlignmentClass = {"l", "c", "r", "j"};
@@ -336,7 +337,12 @@ class HtmlWriter : public BlockSink {
   }
 
   void WriteInput(const Field &field) {
-    out_ << " type=\"" << (field.type == "password" ? "password" : "text") << '"';
+    const bool isButton = field.type == "submit" || field.type == "button";
+    out_ << " type=\""
+         << (isButton                   ? "button"
+             : field.type == "password" ? "password"
+                                        : "text")
+         << '"';
     if (!field.value.empty()) WriteAttribute("value", field.value);
     if (field.size != 0) out_ << " size=\"" << std::size_t{field.size} << '"';
     if (field.length != 0) out_ << " maxlength=\"" << std::size_t{field.length} << '"';
@@ -345,7 +351,10 @@ class HtmlWriter : public BlockSink {
   }
 
   void WriteOptions(const Field &field) {
-    if (field.multiple) out_ << " multiple";
+    if (field.multiple) {
+      out_ << " multiple size=\"" << std::clamp<std::size_t>(field.options.size(), 1, kMostRows)
+           << '"';
+    }
     if (!field.title.empty()) WriteTitle(field.title);
     out_ << '>';
     std::size_t group = kNoIndex;

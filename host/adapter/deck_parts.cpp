@@ -60,7 +60,9 @@ std::string ActionLabel(const Action &action) {
 }
 
 std::string FieldText(const Field &field) {
-  std::string text = "[" + (field.title.empty() ? field.name : field.title) + ":";
+  const std::string &label = field.title.empty() ? field.name : field.title;
+  if (label.empty() && !field.value.empty()) return "[" + field.value + ']';
+  std::string text = "[" + label + ":";
   if (field.kind == FieldKind::kSelect) {
     text += OptionsText(field);
   } else if (field.value.empty()) {
