@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the seeds of the fuzz targets from the test cases.
 
-    make_corpus.py CASES OUT     OUT/filter, OUT/savedata and OUT/unwml
+    make_corpus.py OUT CASES...     OUT/filter, OUT/savedata, OUT/unwml and OUT/adapter
 """
 import pathlib
 import re
@@ -21,12 +21,24 @@ def seeds(path):
     yield "savedata", bytes([identity, 0x80]) + bytes(SAVE_SIZE) + document
     yield "unwml", b"\0" + document
     yield "unwml", bytes([identity + 1]) + document
+    yield "adapter", document
 
 
-def main(cases, out):
-    paths = sorted(pathlib.Path(cases).glob("*.wml"))
+# A compiled deck and a picture, which are no text.
+BINARY = {
+    "compiled": b"\x03\x04\x04\x04abc\0\x7F\xE7\x36\x03t\0\x01\x83\0\x03 \xE5\0\x42x\0\x26\x01\x01",
+    "picture": b"\0\0\x0A\x03\x00\x3F\x7F\xBF\x00\x3F",
+}
+
+
+def main(out, *cases):
+    paths = sorted(path for folder in cases for path in pathlib.Path(folder).glob("*.wml"))
     if not paths:
-        sys.exit("no cases in " + cases)
+        sys.exit("no cases in " + " ".join(cases))
+    for name, seed in BINARY.items():
+        folder = pathlib.Path(out) / "adapter"
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / name).write_bytes(seed)
     for path in paths:
         for i, (target, seed) in enumerate(seeds(path)):
             folder = pathlib.Path(out) / target
@@ -35,6 +47,6 @@ def main(cases, out):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
+    if len(sys.argv) < 3:
         sys.exit(__doc__)
     main(*sys.argv[1:])

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/adapter/wmlc.h"
 #include "host/deck.h"
 #include "host/reader.h"
 #include "host/writer.h"
@@ -94,9 +95,12 @@ void Convert(const vs_wml::Deck &deck, vs_wml::Format format) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
   if (size < 1) return 0;
   vs_wml::DeckOptions options;
-  // 0 finds the character set; others serve the bytes untouched.
-  if (data[0] % 12 != 0) {
-    const WmlOverlayRecord &record = WmlOverlayId[data[0] % 12 - 1];
+  // 0 and 12 find the character set, 12 without adapting the deck; others serve the bytes
+  // untouched.
+  const unsigned choice = data[0] % 13U;
+  options.raw = choice == 12;
+  if (choice != 0 && choice != 12) {
+    const WmlOverlayRecord &record = WmlOverlayId[choice - 1];
     options.identity = static_cast<std::int16_t>(record.id[0] | record.id[1] << 8);
   }
   std::string bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
@@ -109,6 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     std::ostringstream trace;
     vs_wml::TraceDeck(deck, trace);
   } catch (const vs_wml::NotWml &) {
+  } catch (const vs_wml::BrokenWmlc &) {
   } catch (const vs_wml::ReadFailure &) {
   }
   return 0;
