@@ -158,16 +158,17 @@ def report_pieces(bench):
     if not (bench.programs / "pieces").exists():
         print("\nNo pieces: Google Benchmark is not installed.")
         return
-    print("\nThe filter's pieces:\n", flush=True)
+    print("\nThe filter's pieces:\n\n```", flush=True)
     seconds = 0.2 if bench.rounds > 1 else 0.001
     subprocess.run([bench.programs / "pieces", f"--benchmark_min_time={seconds}"], check=True,
                    stderr=subprocess.DEVNULL)
+    print("```")
 
 
 def add_bench_arguments(parser, size, rounds):
     parser.add_argument("programs", help="folder of the built benchmarks: build/bench/bench")
     parser.add_argument("--size", type=int, default=size, help=f"bytes of a deck ({size})")
-    parser.add_argument("--rounds", type=int, default=rounds, help=f"of which the shortest counts ({rounds})")
+    parser.add_argument("--rounds", type=int, default=rounds, help=f"rounds ({rounds})")
 
 
 def main():
