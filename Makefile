@@ -48,6 +48,7 @@ deb: ## build the Debian packages in dist/
 
 install: build ## install under PREFIX (default /usr/local); DESTDIR is honoured
 	@cmake --install $(BUILD) --prefix $(PREFIX)
+	@[ -n "$(DESTDIR)" ] || [ "$$(id -u)" != 0 ] || ldconfig
 
 format: ## clang-format all sources
 	@scripts/install-deps tool
