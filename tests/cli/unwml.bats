@@ -162,6 +162,35 @@ unwml() { "$UNWML" "$@"; }
   [ "${lines[-1]}" = "SOEmitBreak document" ]
 }
 
+@test "variables, a base and pictures are what the options say" {
+  mkdir assets
+  printf '\0\0\x08\x02\x00\xff' >assets/bar.wbmp
+  printf '<wml><card><p><a href="x?v=$(v)">$v</a><img src="/p/bar.wbmp" alt="bar"/></p></card></wml>' >v.wml
+  run unwml --var 'v=a b' --base http://h/d/ --assets assets --images blocks v.wml
+  [ "$status" = 0 ]
+  [ "${lines[0]}" = 'a b[1]' ]
+  [ "${lines[1]}" = '▀▀▀▀' ]
+  [ "${lines[2]}" = '[1] http://h/d/x?v=a%20b' ]
+  unwml -t html --assets assets v.wml | grep -q 'src="data:image/png;base64,'
+  run unwml --raw --images alt v.wml
+  [ "${lines[0]}" = 'v[1][bar]' ]
+  for wrong in '--var 1=x' '--var x' '--base here' '--images big'; do
+    run unwml $wrong v.wml
+    [ "$status" = 2 ]
+  done
+}
+
+@test "compiled decks are read, damaged ones are named" {
+  printf '\x03\x04\x6a\0\x7f\xe7\x36\x03t\0\x01\x03abc\0\x01\x01' >c.wmlc
+  run unwml c.wmlc
+  [ "$status" = 0 ]
+  [ "${lines[1]}" = abc ]
+  head -c 12 c.wmlc >d.wmlc
+  run unwml d.wmlc
+  [ "$status" = 1 ]
+  [ "$output" = 'unwml: d.wmlc: compiled deck is damaged' ]
+}
+
 @test "JSON keeps to its schema" {
   command -v python3 >/dev/null && python3 -c 'import jsonschema' || skip "no jsonschema"
   printf '<?xml encoding="nope"?><wml><card><p>\xe9<img src="a" width="3" height="5"/>' >odd.wml
