@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/adapter/ascii.h"
+#include "host/adapter/references.h"
 
 namespace vs_wml {
 namespace {
@@ -110,7 +111,7 @@ void FieldCollector::BeginOption(const Token &token) {
 }
 
 void FieldCollector::AddOptionText(std::string_view text) {
-  option_->label += text;
+  AppendClean(option_->label, text);
 }
 
 void FieldCollector::SetPick(std::size_t action) {

@@ -112,31 +112,37 @@ std::size_t NamedReferenceLength(std::string_view text) {
   return end < text.size() && text[end] == ';' ? end + 1 : 0;
 }
 
+void AppendClean(std::string &out, std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    const bool highControl =
+        byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
+    if (highControl) {
+      ++at;
+    } else if (IsWhiteSpace(text[at])) {
+      out += ' ';
+    } else if (byte >= 0x20 && byte != 0x7F) {
+      out += text[at];
+    }
+  }
+}
+
 std::string DecodeAttribute(std::string_view raw) {
   std::string value;
   value.reserve(raw.size());
-  for (std::size_t at = 0; at < raw.size();) {
-    char32_t character = static_cast<unsigned char>(raw[at]);
-    std::size_t length = 1;
-    if (raw[at] == '&') {
-      const CharacterReference reference =
-          ReadReference(raw.substr(at), ReferencePlace::kAttribute);
-      if (reference.length != 0) {
-        character = reference.character;
-        length = reference.length;
-      }
+  while (!raw.empty()) {
+    const std::size_t plain = std::min(raw.find('&'), raw.size());
+    AppendClean(value, raw.substr(0, plain));
+    raw.remove_prefix(plain);
+    if (raw.empty()) break;
+    const CharacterReference reference = ReadReference(raw, ReferencePlace::kAttribute);
+    std::string character = "&";
+    if (reference.length != 0) {
+      character.clear();
+      AppendUtf8(character, reference.character);
     }
-    if (length > 1) {
-      if (!IsControl(character))
-        AppendUtf8(value, character);
-      else if (character == '\t' || character == '\n' || character == '\r')
-        value += ' ';
-    } else if (IsWhiteSpace(raw[at])) {
-      value += ' ';
-    } else if (character >= 0x20) {
-      value += raw[at];
-    }
-    at += length;
+    AppendClean(value, character);
+    raw.remove_prefix(std::max<std::size_t>(reference.length, 1));
   }
   return value;
 }

@@ -31,6 +31,9 @@ CharacterReference ReadReference(std::string_view text, ReferencePlace place);
 /// letters and digits), else 0.
 std::size_t NamedReferenceLength(std::string_view text);
 
+/// Appends text with its white space as blanks and without control characters.
+void AppendClean(std::string &out, std::string_view text);
+
 /// The value of an attribute: references replaced, line ends and tabs spaces, control
 /// characters left out.
 std::string DecodeAttribute(std::string_view raw);

@@ -109,6 +109,9 @@ constexpr ContentCase kForms[] = {
      "stray<p><a href=\"unwml:a:0\">A</a><p>B<p>"},
     {"<select><option>A<onevent type='onpick'><go href='#a'/></onevent></option></select>",
      "<p><a href=\"unwml:a:0\">A</a><p>"},
+    {"<input title='a\x01\x7F\xC2\x9B&#9;b'/><select name='s'><option>c\x02\xC2\x9B"
+     "d</option></select>",
+     "<a href=\"unwml:f:0\">[a b: ____]</a><a href=\"unwml:f:1\">[s: (*) cd]</a>"},
     {"<p>x<fieldset title='F'>y</fieldset>", "<p>x<p><b>F</b><br/>y"},
 };
 INSTANTIATE_TEST_SUITE_P(Forms, Content, testing::ValuesIn(kForms));
