@@ -275,9 +275,9 @@ void DeckAdapter::Characters(std::string_view text) {
     } else if (text[at] == '$') {
       Variable(text, at);
     } else {
-      const std::size_t end = std::min(text.find_first_of("&$", at), text.size());
-      Write(text.substr(at, end - at));
-      at = end;
+      const std::size_t start = at;
+      while (at < text.size() && text[at] != '&' && text[at] != '$') ++at;
+      Write(text.substr(start, at - start));
     }
   }
 }

@@ -2,6 +2,7 @@
 #include "host/adapter/served_writer.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include "host/adapter/ascii.h"
@@ -40,15 +41,30 @@ void AppendSpecial(std::string &served, char c, Place place) {
   }
 }
 
-// Control characters are left out: some switch the filter's character set, others a
-// terminal's.
+// The bytes that are served as they are, wherever they stand.
+constexpr auto kPlain = [] {
+  std::array<bool, 256> plain{};
+  for (std::size_t byte = 0x20; byte < plain.size(); ++byte) plain[byte] = byte != 0x7F;
+  for (const char special : {'<', '>', '&', '"', '$'})
+    plain[static_cast<unsigned char>(special)] = false;
+  plain[0xC2] = false;  // may begin a control character
+  return plain;
+}();
+
+// Control characters are left out, white space in text excepted: some switch the filter's
+// character set, others a terminal's.
 void AppendEscaped(std::string &served, std::string_view text, Place place) {
   for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::size_t start = at;
+    while (at < text.size() && kPlain[static_cast<unsigned char>(text[at])]) ++at;
+    served += text.substr(start, at - start);
+    if (at == text.size()) return;
     const auto byte = static_cast<unsigned char>(text[at]);
     const bool highControl =
         byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
     if (highControl) ++at;
-    if (highControl || byte < 0x20 || byte == 0x7F) continue;
+    const bool keptControl = place == Place::kText && IsWhiteSpace(text[at]);
+    if (highControl || (byte < 0x20 && !keptControl) || byte == 0x7F) continue;
     AppendSpecial(served, text[at], place);
   }
 }
@@ -104,16 +120,14 @@ void ServedWriter::EndCard() {
 }
 
 void ServedWriter::Text(std::string_view text) {
-  while (!text.empty()) {
-    std::size_t end = std::min(text.find_first_not_of(kWhiteSpace), text.size());
-    whiteSpace_ += text.substr(0, end);
-    text.remove_prefix(end);
-    if (text.empty()) return;
-    BeforeContent();
-    end = std::min(text.find_first_of(kWhiteSpace), text.size());
-    AppendEscaped(served_, text.substr(0, end), Place::kText);
-    text.remove_prefix(end);
-  }
+  const std::size_t first = std::min(text.find_first_not_of(kWhiteSpace), text.size());
+  whiteSpace_ += text.substr(0, first);
+  text.remove_prefix(first);
+  if (text.empty()) return;
+  const std::size_t end = text.find_last_not_of(kWhiteSpace) + 1;
+  BeforeContent();
+  AppendEscaped(served_, text.substr(0, end), Place::kText);
+  whiteSpace_ += text.substr(end);
 }
 
 void ServedWriter::NamedReference(std::string_view reference) {
