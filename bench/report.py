@@ -6,6 +6,7 @@ character that is left. A figure of 1.50 is one and a half times what the floor 
 import argparse
 import concurrent.futures
 import datetime
+import json
 import os
 import pathlib
 import platform
@@ -158,11 +159,17 @@ def report_pieces(bench):
     if not (bench.programs / "pieces").exists():
         print("\nNo pieces: Google Benchmark is not installed.")
         return
-    print("\nThe filter's pieces:\n\n```", flush=True)
     seconds = 0.2 if bench.rounds > 1 else 0.001
-    subprocess.run([bench.programs / "pieces", f"--benchmark_min_time={seconds}"], check=True,
-                   stderr=subprocess.DEVNULL)
-    print("```")
+    done = subprocess.run([bench.programs / "pieces", f"--benchmark_min_time={seconds}",
+                           "--benchmark_format=json"],
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
+    rows = {}
+    for piece in json.loads(done.stdout)["benchmarks"]:
+        rates = [f"{piece[key] / 1e6:.0f}" if key in piece else "-"
+                 for key in ("bytes_per_second", "items_per_second")]
+        rows[piece["name"]] = [f"{piece['cpu_time'] / 1000:.2f}", *rates]
+    print_table("The filter's pieces, processor time of a round over 100 KB or a list of names:", "",
+                ("microseconds", "MB/s", "million items/s"), rows)
 
 
 def add_bench_arguments(parser, size, rounds):
