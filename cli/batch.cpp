@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -67,13 +68,18 @@ class Workers {
  public:
   Workers(const Options &options, const Inputs &inputs, Queue &queue, std::size_t count)
       : queue_(queue) {
-    for (std::size_t index = 0; index < count; ++index) {
-      threads_.emplace_back([&options, &inputs, &queue] {
-        Converter converter(options);
-        while (const auto claimed = queue.Claim()) {
-          queue.Put(*claimed, converter.Convert(inputs.list[*claimed]));
-        }
-      });
+    const auto work = [&options, &inputs, &queue] {
+      Converter converter(options);
+      while (const auto claimed = queue.Claim()) {
+        queue.Put(*claimed, converter.Convert(inputs.list[*claimed]));
+      }
+    };
+    threads_.reserve(count);
+    try {
+      while (threads_.size() < count) threads_.emplace_back(work);
+    } catch (const std::system_error &) {
+      // As many as the system allows do the work.
+      if (threads_.empty() && count != 0) throw;
     }
   }
   ~Workers() {
@@ -91,13 +97,12 @@ class Workers {
 }  // namespace
 
 void ConvertAll(const Options &options, const Inputs &inputs,
-                const std::function<void(const Input &, Outcome &)> &take) {
+                const std::function<void(const Input &, const Outcome &)> &take) {
   const std::size_t count = std::min(options.jobs, inputs.list.size());
   Queue queue(inputs.list.size(), std::max<std::size_t>(count, 1) * kWaitingPerThread);
   const Workers workers(options, inputs, queue, count);
   for (const Input &input : inputs.list) {
-    Outcome outcome = queue.Take();
-    take(input, outcome);
+    take(input, queue.Take());
   }
 }
 

@@ -18,7 +18,7 @@ namespace unwml {
 /// documents wait for their turn; when too many do, the threads wait too, so that
 /// memory is bounded whatever the number of documents.
 void ConvertAll(const Options &options, const Inputs &inputs,
-                const std::function<void(const Input &, Outcome &)> &take);
+                const std::function<void(const Input &, const Outcome &)> &take);
 
 }  // namespace unwml
 

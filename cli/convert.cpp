@@ -3,6 +3,8 @@
 
 #include <exception>
 #include <filesystem>
+#include <new>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <streambuf>
@@ -68,35 +70,26 @@ std::uint64_t Converter::Run(const Input &input, const vs_wml::Output::Destinati
   return size;
 }
 
-Outcome Converter::ConvertTo(const Input &input, const vs_wml::Output::Destination &destination) {
+Outcome Converter::Convert(const Input &input) {
   Outcome outcome;
   try {
-    outcome.bytes = Run(input, destination);
-  } catch (const OutputFailure &) {
-    throw;
+    if (input.output.empty()) {
+      outcome.bytes = Run(input, [&](std::string_view piece) { outcome.output += piece; });
+    } else {
+      std::optional<PendingFile> file;
+      outcome.bytes = Run(input, [&](std::string_view piece) {
+        if (!file) file.emplace(input.output);
+        file->Write(piece);
+      });
+      if (!file) file.emplace(input.output);
+      file->Commit();
+    }
   } catch (const std::bad_alloc &) {
     outcome.error = "out of memory";
   } catch (const std::exception &failure) {
     outcome.error = failure.what();
   }
-  return outcome;
-}
-
-Outcome Converter::Convert(const Input &input) {
-  if (input.output.empty()) {
-    std::string collected;
-    Outcome outcome = ConvertTo(input, [&](std::string_view piece) { collected += piece; });
-    outcome.output = std::move(collected);
-    return outcome;
-  }
-  Outcome outcome;
-  try {
-    PendingFile file(input.output);
-    outcome = ConvertTo(input, [&](std::string_view piece) { file.Write(piece); });
-    if (outcome.error.empty()) file.Commit();
-  } catch (const std::exception &failure) {
-    outcome.error = failure.what();
-  }
+  if (!outcome.error.empty()) outcome.output.clear();
   return outcome;
 }
 

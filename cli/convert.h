@@ -18,7 +18,7 @@ namespace unwml {
 
 /// What became of a document.
 struct Outcome {
-  std::string output;       ///< what goes to standard output, when it was collected
+  std::string output;       ///< what goes to standard output; nothing of a document that failed
   std::string error;        ///< empty: it was read
   std::uint64_t bytes = 0;  ///< its size
 };
@@ -28,25 +28,14 @@ class Converter {
  public:
   explicit Converter(const Options &options) : options_(options) {}
 
-  /// To the input's own file, or collected in the outcome.
+  /// To the input's own file, or collected in the outcome: standard output gets whole
+  /// documents only.
   Outcome Convert(const Input &input);
-  /// To `destination` as it comes. What that throws passes through.
-  Outcome ConvertTo(const Input &input, const vs_wml::Output::Destination &destination);
 
  private:
   std::uint64_t Run(const Input &input, const vs_wml::Output::Destination &destination);
 
   const Options &options_;
-};
-
-/// The destination failed, not the document: nothing more can be written.
-class OutputFailure : public std::runtime_error {
- public:
-  OutputFailure(int error, const std::string &what) : std::runtime_error(what), error_(error) {}
-  int Error() const { return error_; }  ///< of the system, EPIPE for a closed pipe
-
- private:
-  int error_;
 };
 
 }  // namespace unwml

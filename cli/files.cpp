@@ -96,7 +96,9 @@ PendingFile::PendingFile(std::string path) : path_(std::move(path)) {
   temporary_ = (directory / ".unwml-XXXXXX").string();
   descriptor_ = mkstemp(temporary_.data());
   if (descriptor_ < 0 && errno == ENOENT) {
-    std::filesystem::create_directories(directory);
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error) throw std::system_error(error, directory.string());
     temporary_ = (directory / ".unwml-XXXXXX").string();
     descriptor_ = mkstemp(temporary_.data());
   }

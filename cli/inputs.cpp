@@ -31,6 +31,7 @@ class Finder {
     inputs_.several = options_.inputs.size() > 1 || !options_.filesFrom.empty();
     for (const std::string &name : options_.inputs) AddNamed(name);
     if (!options_.filesFrom.empty()) AddListed();
+    KeepInputs();
     return std::move(inputs_);
   }
 
@@ -73,10 +74,12 @@ class Finder {
     if (error) inputs_.list.push_back({directory.string(), "", error.message()});
     std::sort(entries.begin(), entries.end());
     for (const fs::directory_entry &found : entries) {
-      if (found.is_directory(error) && !found.is_symlink(error)) {
-        Walk(found.path(), root);
+      if (found.is_directory(error)) {
+        if (!found.is_symlink(error)) Walk(found.path(), root);
       } else if (IsDeckName(found.path())) {
         Add(found.path().string(), found.path().lexically_relative(root));
+        // Nobody named it: a pipe would be waited for, a device read without end.
+        if (found.is_other(error)) inputs_.list.back().error = "not a regular file";
       }
     }
   }
@@ -85,7 +88,7 @@ class Finder {
   // inside, else directly.
   static fs::path MirroredName(const std::string &name) {
     const fs::path path = fs::path(name).lexically_normal();
-    const bool outside = path.is_absolute() || *path.begin() == "..";
+    const bool outside = path.is_absolute() || (!path.empty() && *path.begin() == "..");
     return outside ? path.filename() : path;
   }
 
@@ -99,6 +102,26 @@ class Finder {
       }
     }
     inputs_.list.push_back(std::move(input));
+  }
+
+  // Refuses outputs that would take the place of an input. Only inputs with the extension
+  // of the outputs are in danger.
+  void KeepInputs() {
+    if (options_.outputDirectory.empty()) return;
+    std::error_code error;
+    std::unordered_set<std::string> inputs;
+    for (const Input &input : inputs_.list) {
+      const fs::path path(input.path);
+      if (path.extension() == options_.Extension()) {
+        inputs.insert(fs::weakly_canonical(path, error).string());
+      }
+    }
+    if (inputs.empty()) return;
+    for (Input &input : inputs_.list) {
+      if (inputs.contains(fs::weakly_canonical(input.output, error).string())) {
+        input.error = "its output " + Printable(input.output) + " would replace an input";
+      }
+    }
   }
 
   const Options &options_;

@@ -18,11 +18,17 @@
 namespace unwml {
 namespace {
 
+// Standard output failed, not a document: nothing more can be written.
+class OutputFailure : public std::system_error {
+ public:
+  explicit OutputFailure(std::error_code code) : std::system_error(code) {}
+};
+
 void WriteToStandardOutput(std::string_view bytes) {
   try {
     WriteAll(STDOUT_FILENO, bytes);
   } catch (const std::system_error &failure) {
-    throw OutputFailure(failure.code().value(), failure.code().message());
+    throw OutputFailure(failure.code());
   }
 }
 
@@ -37,25 +43,20 @@ int Run(Options options) {
 
   Progress progress(inputs.list.size());
   bool failed = false;
-  const auto report = [&](const Input &input, const Outcome &outcome) {
+  const auto take = [&](const Input &input, const Outcome &outcome) {
+    WriteToStandardOutput(outcome.output);
     progress.Advance(outcome.bytes);
     if (outcome.error.empty()) return;
     failed = true;
     progress.Clear();
-    std::cerr << "unwml: " << Printable(input.path) << ": " << outcome.error << '\n';
+    std::cerr << "unwml: " << Printable(input.path) << ": " << Printable(outcome.error) << '\n';
   };
 
   if (options.jobs == 1) {
     Converter converter(options);
-    for (const Input &input : inputs.list) {
-      report(input, toOutput ? converter.ConvertTo(input, WriteToStandardOutput)
-                             : converter.Convert(input));
-    }
+    for (const Input &input : inputs.list) take(input, converter.Convert(input));
   } else {
-    ConvertAll(options, inputs, [&](const Input &input, Outcome &outcome) {
-      WriteToStandardOutput(outcome.output);
-      report(input, outcome);
-    });
+    ConvertAll(options, inputs, take);
   }
   return failed ? kSomeFailed : kAllRead;
 }
@@ -72,10 +73,10 @@ int main(int argc, char **argv) {
     return options ? unwml::Run(*options) : exitCode;
   } catch (const unwml::OutputFailure &failure) {
     // Whoever closes the pipe has seen enough.
-    if (failure.Error() == EPIPE) return unwml::kAllRead;
-    std::cerr << "unwml: standard output: " << failure.what() << '\n';
+    if (failure.code().value() == EPIPE) return unwml::kAllRead;
+    std::cerr << "unwml: standard output: " << failure.code().message() << '\n';
   } catch (const std::exception &failure) {
-    std::cerr << "unwml: " << failure.what() << '\n';
+    std::cerr << "unwml: " << unwml::Printable(failure.what()) << '\n';
   }
   return unwml::kSomeFailed;
 }

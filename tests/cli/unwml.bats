@@ -105,6 +105,53 @@ unwml() { "$UNWML" "$@"; }
   grep -q one out/a.txt
 }
 
+@test "an output never takes the place of an input" {
+  deck b.txt precious
+  cp b.txt before
+  run unwml -o . b.txt
+  [ "$status" = 1 ]
+  [ "$output" = "unwml: b.txt: its output ./b.txt would replace an input" ]
+  deck b.wml other
+  run unwml -j 2 -o . a.wml b.wml b.txt
+  [ "$status" = 1 ]
+  cmp b.txt before
+  [ -f a.txt ]
+}
+
+@test "a document that fails leaves nothing behind, neither files nor lines" {
+  { # tables without an end, each looked for through all that follows
+    echo "<wml><card><p>$(printf 'before %.0s' $(seq 20000))</p>"
+    printf '<table columns=1></>%.0s' $(seq 20000)
+  } >bomb.wml
+  for jobs in 1 2; do
+    run --separate-stderr unwml --raw -t json -j $jobs bomb.wml a.wml
+    [ "$status" = 1 ]
+    [[ $output == '{"source":"a.wml"'* ]]
+    [ "${#stderr_lines[@]}" = 1 ]
+    [[ $stderr == "unwml: bomb.wml: given up: "* ]]
+  done
+  run unwml --raw -o out bomb.wml missing.wml
+  [ "$status" = 1 ]
+  [ -z "$(find out -type f 2>/dev/null)" ]
+}
+
+@test "what lies in a directory and is no file is told, not waited for" {
+  deck in/b.wml pear
+  mkfifo in/a.wml
+  mkdir in/c.wml
+  ln -s c.wml in/d.wml
+  run --separate-stderr timeout 20 "$UNWML" in
+  [ "$status" = 1 ]
+  [[ $output == *pear* ]]
+  [ "$stderr" = "unwml: in/a.wml: not a regular file" ]
+}
+
+@test "where few threads can be started, few do the work" {
+  run --separate-stderr bash -c 'ulimit -v 400000; "$0" -j 256 $(yes a.wml | head -n 300)' "$UNWML"
+  [ "$status" = 0 ]
+  [ "$(grep -c Apple <<<"$output")" = 300 ]
+}
+
 @test "--files-from takes lines and NULs, from a file and from standard input" {
   deck 'with blank.wml' second
   printf 'a.wml\nwith blank.wml\n' >lines
