@@ -71,10 +71,7 @@ std::string CleanText(std::string text) {
   for (char &c : text) {
     if (c == '\t' || c == '\n' || c == '\r') c = ' ';
   }
-  std::erase_if(text, [](char c) {
-    return IsControl(static_cast<unsigned char>(c)) && static_cast<unsigned char>(c) < 0x80;
-  });
-  return text;
+  return WithoutControls(std::move(text));
 }
 
 }  // namespace

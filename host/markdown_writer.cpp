@@ -9,6 +9,7 @@ namespace vs_wml {
 namespace {
 
 constexpr std::string_view kSpecial = "\\`*_[]<>&~|";
+constexpr std::size_t kLongestReference = 40;
 
 // Appends text so that it is read as itself. At the start of a line more means something.
 void AppendEscaped(std::string &out, std::string_view text, bool lineStart) {
@@ -32,17 +33,30 @@ void AppendEscaped(std::string &out, std::string_view text, bool lineStart) {
   }
 }
 
-// A target between angle brackets holds everything but these and line feeds.
+// Whether a reference (`&colon;`) stands at the start of the text.
+bool IsReference(std::string_view text) {
+  const std::size_t end = std::min(text.substr(0, kLongestReference).find(';'), text.size());
+  return end < text.size() &&
+         std::all_of(text.begin() + 1, text.begin() + static_cast<int>(end), [](char c) {
+           return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+                  c == '#';
+         });
+}
+
+// A target between angle brackets holds everything but these and line feeds. References
+// count in targets, and bars in those of tables.
 void AppendTarget(std::string &out, std::string_view target) {
   const bool brackets = target.empty() || target.find_first_of(" ()") != std::string_view::npos;
   if (brackets) out += '<';
-  for (const char c : target) {
+  for (std::size_t at = 0; at < target.size(); ++at) {
+    const char c = target[at];
     if (c == '<') {
       out += "%3C";
     } else if (c == '>') {
       out += "%3E";
     } else {
-      if (c == '\\') out += '\\';
+      const bool special = c == '\\' || c == '|' || (c == '&' && IsReference(target.substr(at)));
+      if (special) out += '\\';
       out += c;
     }
   }

@@ -3,6 +3,7 @@
 
 #include <unicode/uchar.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace vs_wml {
@@ -116,6 +117,21 @@ void AppendUtf8(std::string &text, char32_t character) {
 char32_t NextCharacter(std::string_view text, std::size_t &offset) {
   const char32_t character = Decode(text, offset);
   return character == kIllFormed ? kReplacementCharacter : character;
+}
+
+std::string WithoutControls(std::string text) {
+  std::size_t kept = 0;
+  for (std::size_t offset = 0; offset < text.size();) {
+    const std::size_t start = offset;
+    if (IsControl(NextCharacter(text, offset))) continue;
+    if (kept != start)
+      std::copy(text.begin() + static_cast<std::ptrdiff_t>(start),
+                text.begin() + static_cast<std::ptrdiff_t>(offset),
+                text.begin() + static_cast<std::ptrdiff_t>(kept));
+    kept += offset - start;
+  }
+  text.resize(kept);
+  return text;
 }
 
 int ColumnWidth(char32_t character) {

@@ -40,6 +40,9 @@ int ColumnWidth(char32_t character);
 /// Columns of a text without line feeds.
 std::size_t ColumnWidth(std::string_view text);
 
+/// The text without control characters. Nothing is copied when it has none.
+std::string WithoutControls(std::string text);
+
 /// Whether a character controls a terminal rather than shows: C0, DEL and C1.
 constexpr bool IsControl(char32_t character) {
   return character < 0x20 || (character >= 0x7F && character <= 0x9F);
