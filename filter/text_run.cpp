@@ -100,6 +100,18 @@ struct Taken {
   uint16_t last;
 };
 
+// Sends the pair at `at` and all pairs right behind it that lie in the buffer.
+[[gnu::noinline]] Taken SendPairs(const uint8_t *at, uint8_t leadSet, WmlProc *proc) {
+  VwCharBuffer *const input = proc->input;
+  uint16_t sent;
+  do {
+    sent = DecodePair(leadSet, at[0], at[1]);
+    at += 2;
+    Send(sent, at, input, proc);
+  } while (IsLeadByte(leadSet, *at) && at + 1 != input->end);
+  return {at, sent};
+}
+
 // White space and control bytes. A tab is white space only outside tables.
 Taken TakeControl(const uint8_t *at, const TextRun &run, uint16_t last, WmlProc *proc) {
   if (run.preformatted || IsCharsetControl(*at)) return {nullptr, last};
@@ -174,9 +186,9 @@ Taken TakeReference(const uint8_t *at, uint16_t last, WmlProc *proc) {
     } else if (at == end || *at == '<') {
       break;
     } else if (IsLeadByte(leadSet, *at) && at + 1 != end) {
-      last = DecodePair(leadSet, at[0], at[1]);
-      at += 2;
-      Send(last, at, input, proc);
+      const Taken taken = SendPairs(at, leadSet, proc);
+      at = taken.at;
+      last = taken.last;
       half = table;
     } else {
       const Taken taken = TakeSpecial(at, run, last, proc);

@@ -1,5 +1,6 @@
 #include "format/style.h"
 
+#include <bit>
 #include <initializer_list>
 
 #include "elements/paragraph.h"
@@ -11,15 +12,13 @@ namespace {
 
 struct CharAttribute {
   uint32_t set;
-  uint32_t clear;     // in templates
-  uint32_t property;  // PROP_ATTR_
+  uint32_t clear;  // in templates
 };
 
-// In the order in which the host is told of them.
 constexpr CharAttribute kCharAttributes[] = {
-    {ATTR_BOLD, ATTR_CLEAR_BOLD, PROP_ATTR_BOLD},
-    {ATTR_ITALIC, ATTR_CLEAR_ITALIC, PROP_ATTR_ITALIC},
-    {ATTR_UNDERLINE, ATTR_CLEAR_UNDERLINE, PROP_ATTR_UNDERLINE},
+    {ATTR_BOLD, ATTR_CLEAR_BOLD},
+    {ATTR_ITALIC, ATTR_CLEAR_ITALIC},
+    {ATTR_UNDERLINE, ATTR_CLEAR_UNDERLINE},
 };
 
 bool SameStyle(const StyleRecord &a, const StyleRecord &b) {
@@ -126,13 +125,16 @@ void StyleSelect(ItemRecord *item, WmlProc *proc) {
 
 namespace {
 
+// The bits of the attributes stand in the order of their properties.
+static_assert(ATTR_ITALIC == ATTR_BOLD << 1 && ATTR_UNDERLINE == ATTR_BOLD << 2);
+static_assert(PROP_ATTR_ITALIC == PROP_ATTR_BOLD + 1 && PROP_ATTR_UNDERLINE == PROP_ATTR_BOLD + 2);
+
 void SendCharAttributes(uint32_t from, uint32_t to, WmlProc *proc) {
-  const uint32_t changed = from ^ to;
-  for (const CharAttribute &attribute : kCharAttributes) {
-    if (changed & attribute.set) {
-      const bool on = (to & attribute.set) != 0;
-      SOSetProperty(PROP_CHAR_ATTRIBUTE, attribute.property, on ? 1 : 0, 0, proc);
-    }
+  uint32_t changed = (from ^ to) & (ATTR_BOLD | ATTR_ITALIC | ATTR_UNDERLINE);
+  for (; changed != 0; changed &= changed - 1) {
+    const int bit = std::countr_zero(changed);
+    const auto place = static_cast<uint32_t>(bit - std::countr_zero(ATTR_BOLD));
+    SOSetProperty(PROP_CHAR_ATTRIBUTE, PROP_ATTR_BOLD + place, to >> bit & 1, 0, proc);
   }
 }
 
