@@ -139,6 +139,14 @@ std::string ConverterName(std::string_view name) {
   return alias != std::end(kAliases) ? alias->converter : lower;
 }
 
+// ICU passes over all that is not a letter or a digit in a name, but names are told on.
+bool IsCharsetName(std::string_view name) {
+  return !name.empty() && std::ranges::all_of(name, [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
+           std::string_view("-_.:+()").find(c) != std::string_view::npos;
+  });
+}
+
 // Opening a converter is slow: each thread keeps those that it has met. Null: unknown.
 UConverter *FindConverter(std::string_view name) {
   thread_local std::unordered_map<std::string, Converter> converters;
@@ -149,7 +157,7 @@ UConverter *FindConverter(std::string_view name) {
     return found->second.get();
   }
   UErrorCode status = U_ZERO_ERROR;
-  Converter converter(key.empty() ? nullptr : ucnv_open(key.c_str(), &status));
+  Converter converter(IsCharsetName(key) ? ucnv_open(key.c_str(), &status) : nullptr);
   if (U_FAILURE(status)) converter.reset();
   // Names come from documents: only a known one is kept.
   if (!converter) return nullptr;
