@@ -108,7 +108,7 @@ Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options
                                  " places are not well-formed in the character set");
   }
   if (options.raw) {
-    deck.bytes = MakeServedBytes(std::move(text));
+    deck.bytes = MakeServedBytes(text);
   } else {
     Adapt(deck, text, options);
   }

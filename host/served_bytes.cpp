@@ -190,15 +190,14 @@ std::size_t PlainPrefix(std::string_view text) {
 
 }  // namespace
 
-std::string MakeServedBytes(std::string text) {
+std::string MakeServedBytes(std::string_view text) {
   std::string served;
   served.reserve(text.size() + text.size() / 64 + 16);
-  std::string_view rest = text;
-  while (!rest.empty()) {
-    const std::size_t plain = PlainPrefix(rest);
-    served.append(rest.substr(0, plain));
-    rest.remove_prefix(plain);
-    if (!rest.empty()) rest.remove_prefix(ServeSpecial(served, rest));
+  while (!text.empty()) {
+    const std::size_t plain = PlainPrefix(text);
+    served.append(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (!text.empty()) text.remove_prefix(ServeSpecial(served, text));
   }
   return served;
 }

@@ -25,7 +25,7 @@ inline constexpr std::int16_t kServedIdentity = 1157;
 /// Well-formed UTF-8 markup in the form that is served: references beyond ASCII replaced
 /// by their characters, control characters taken out, `meta` elements renamed so that
 /// they declare nothing.
-std::string MakeServedBytes(std::string text);
+std::string MakeServedBytes(std::string_view text);
 
 /// Resolves the references of an attribute value that the filter hands over as written
 /// (link targets and image sources).
