@@ -12,7 +12,8 @@ constexpr OptionRow kRows[] = {
      "of the filter."},
     {OptionId::kOutput, "-o,--output", "DIR", "DIR",
      "write files under DIR, laid out as the inputs are",
-     "Without it everything goes to standard output. A file appears only when it is complete."},
+     "Without it everything goes to standard output. A file appears only when it is complete, "
+     "and never in the place of an input."},
     {OptionId::kWidth, "-w,--width", "N", "", "columns of text (default: the terminal's, or 80)",
      ""},
     {OptionId::kColor, "--color", "WHEN", "auto always never",
@@ -21,7 +22,7 @@ constexpr OptionRow kRows[] = {
     {OptionId::kCharset, "--charset", "NAME", "UTF-8 windows-1252 Shift_JIS GB18030 Big5 EUC-KR",
      "character set of the input, whatever it says",
      "Otherwise it is found from, in this order: byte-order mark, XML declaration, meta "
-     "element, well-formed UTF-8, a statistical detector, windows-1252."},
+     "element, saved HTTP header, well-formed UTF-8, a statistical detector, windows-1252."},
     {OptionId::kIdentity, "--identity", "ID",
      "1151 1154 1155 1156 1157 1158 1159 1160 1161 1162 1163",
      "serve the bytes untouched under a filter identity",

@@ -214,6 +214,17 @@ std::optional<std::string> ValueAfter(std::string_view text, std::string_view ke
   return std::string(text.substr(begin, at - begin));
 }
 
+// The start of a document in lower case and without comments.
+std::string DeclarationText(std::string_view bytes) {
+  std::string text = ToLower(bytes.substr(0, kDeclarationBytes));
+  for (std::size_t at = text.find("<!--"); at != std::string::npos; at = text.find("<!--", at)) {
+    const std::size_t end = text.find("-->", at + 4);
+    if (end == std::string::npos) break;
+    text.erase(at, end + 3 - at);
+  }
+  return text;
+}
+
 std::optional<std::string> XmlDeclaration(std::string_view lower) {
   const std::size_t begin = lower.find("<?xml");
   if (begin == std::string_view::npos) return std::nullopt;
@@ -229,6 +240,16 @@ std::optional<std::string> MetaDeclaration(std::string_view lower) {
     if (auto name = ValueAfter(lower.substr(at, end - at), "charset")) return name;
   }
   return std::nullopt;
+}
+
+// What HTTP headers say that were saved with the document.
+std::optional<std::string> HeaderDeclaration(std::string_view lower) {
+  if (!lower.starts_with("http/") && !lower.starts_with("content-type:")) return std::nullopt;
+  lower = lower.substr(0, lower.find('<'));
+  const std::size_t type = lower.find("content-type:");
+  if (type == std::string_view::npos) return std::nullopt;
+  lower.remove_prefix(type);
+  return ValueAfter(lower.substr(0, lower.find('\n')), "charset");
 }
 
 struct Mark {
@@ -285,11 +306,14 @@ DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
     }
   }
   if (found.markLength != 0) return found;
+  const std::size_t blanks = std::min(bytes.find_first_not_of("\0 \t\r\n"sv), bytes.size());
   for (const Mark &start : kSixteenBit) {
-    if (bytes.starts_with(start.bytes)) return {start.name, CharsetOrigin::kDetector, 0};
+    if (bytes.substr(blanks / 2 * 2).starts_with(start.bytes)) {
+      return {start.name, CharsetOrigin::kDetector, 0};
+    }
   }
 
-  const std::string start = ToLower(bytes.substr(0, kDeclarationBytes));
+  const std::string start = DeclarationText(bytes);
   const auto believe = [&](const std::optional<std::string> &name, CharsetOrigin origin) {
     if (!name) return false;
     // A declaration that could be read as bytes is in no 16-bit or 32-bit character set.
@@ -305,6 +329,7 @@ DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
   };
   if (believe(XmlDeclaration(start), CharsetOrigin::kXmlDeclaration)) return found;
   if (believe(MetaDeclaration(start), CharsetOrigin::kMeta)) return found;
+  if (believe(HeaderDeclaration(start), CharsetOrigin::kHeader)) return found;
   if (IsValidUtf8(bytes)) return {"UTF-8", CharsetOrigin::kValidUtf8, 0};
   if (auto name = DetectByStatistics(bytes)) return {*name, CharsetOrigin::kDetector, 0};
   return {"windows-1252", CharsetOrigin::kFallback, 0};

@@ -131,6 +131,7 @@ enum class CharsetOrigin : std::uint8_t {
   kByteOrderMark,
   kXmlDeclaration,
   kMeta,
+  kHeader,
   kValidUtf8,
   kDetector,
   kFallback,

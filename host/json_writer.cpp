@@ -12,8 +12,8 @@ namespace vs_wml {
 namespace {
 
 constexpr std::array<std::string_view, 4> kAlignmentName = {"left", "center", "right", "justified"};
-constexpr std::array<std::string_view, 9> kOriginName = {
-    "option", "bom", "xml", "meta", "utf-8", "detector", "fallback", "identity", "wmlc"};
+constexpr std::array<std::string_view, 10> kOriginName = {
+    "option", "bom", "xml", "meta", "http", "utf-8", "detector", "fallback", "identity", "wmlc"};
 constexpr std::array<std::string_view, 5> kActionName = {"link", "anchor", "do", "event", "pick"};
 constexpr std::array<std::string_view, 5> kTaskName = {"none", "go", "prev", "refresh", "noop"};
 

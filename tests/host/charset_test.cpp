@@ -111,8 +111,10 @@ TEST(Charset, MarksAndWideFormsNeedNoDeclaration) {
   }
   EXPECT_EQ(Blocks("\xEF\xBB\xBF" + document), Expected(text));
   const std::string plain = Document(text, "", "");
-  EXPECT_EQ(Blocks(Encode(plain, "UTF-16LE")), Expected(text));
-  EXPECT_EQ(Blocks(Encode(plain, "UTF-16BE")), Expected(text));
+  for (const char *blanks : {"", "\n", "\r\n \t"}) {
+    EXPECT_EQ(Blocks(Encode(blanks + plain, "UTF-16LE")), Expected(text));
+    EXPECT_EQ(Blocks(Encode(blanks + plain, "UTF-16BE")), Expected(text));
+  }
 }
 
 TEST(Charset, IsFoundInTheOrderOfBelief) {
@@ -133,6 +135,13 @@ TEST(Charset, IsFoundInTheOrderOfBelief) {
       {"<?xml encoding=\"UTF-16\"?>" + utf8, CharsetOrigin::kValidUtf8, "UTF-8", 1},
       {"<?xml encoding=\"no-such\"?>" + utf8, CharsetOrigin::kValidUtf8, "UTF-8", 1},
       {koi8, CharsetOrigin::kDetector, "KOI8-R", 0},
+      {"HTTP/1.1 200 OK\r\nContent-Type: text/vnd.wap.wml; charset=Big5\r\n\r\n" + utf8,
+       CharsetOrigin::kHeader, "big5", 0},
+      {"Content-Type: x; charset=big5\r\n\r\n<?xml encoding='koi8-r'?>" + utf8,
+       CharsetOrigin::kXmlDeclaration, "koi8-r", 0},
+      {utf8 + "content-type: x; charset=big5", CharsetOrigin::kValidUtf8, "UTF-8", 0},
+      {"<!-- <?xml encoding='big5'?> <meta content='charset=big5'/> -->" + utf8,
+       CharsetOrigin::kValidUtf8, "UTF-8", 0},
   };
   for (const auto &item : cases) {
     SCOPED_TRACE(item.bytes);
