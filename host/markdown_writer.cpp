@@ -3,6 +3,7 @@
 #include <string>
 
 #include "host/target.h"
+#include "host/utf8.h"
 #include "host/writer.h"
 
 namespace vs_wml {
@@ -61,6 +62,40 @@ void AppendTarget(std::string &out, std::string_view target) {
     }
   }
   if (brackets) out += '>';
+}
+
+// Marks of emphasis, and the tags for where marks would be read as asterisks.
+struct Emphasis {
+  std::string_view mark;
+  std::string_view openTag;
+  std::string_view closeTag;
+};
+
+Emphasis EmphasisOf(const TextStyle &style) {
+  if (style.bold && style.italic) return {"***", "<b><i>", "</i></b>"};
+  if (style.bold) return {"**", "<b>", "</b>"};
+  if (style.italic) return {"*", "<i>", "</i>"};
+  return {};
+}
+
+char32_t FirstCharacter(std::string_view text) {
+  std::size_t offset = 0;
+  return text.empty() ? U' ' : NextCharacter(text, offset);
+}
+
+char32_t LastCharacter(std::string_view text) {
+  constexpr auto kIsTrail = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; };
+  std::size_t start = text.size();
+  while (start > 0 && kIsTrail(text[--start])) {
+  }
+  return FirstCharacter(text.substr(start));
+}
+
+// Whether a mark between these characters is read as one of emphasis.
+bool MarkCounts(char32_t inside, char32_t outside) {
+  const CharacterClass kind = ClassOf(inside);
+  return kind == CharacterClass::kWord ||
+         (kind == CharacterClass::kPunctuation && ClassOf(outside) != CharacterClass::kWord);
 }
 
 class MarkdownWriter : public BlockSink {
@@ -187,13 +222,15 @@ class MarkdownWriter : public BlockSink {
   void AppendContent(const Content &content, std::string_view feed) {
     const std::size_t start = line_.size();
     std::uint32_t link = kNone;
-    for (const Run &run : content.runs) {
+    marksEnd_ = std::string::npos;
+    for (std::size_t index = 0; index < content.runs.size(); ++index) {
+      const Run &run = content.runs[index];
       if (run.link != link) {
         if (link != kNone) EndLink(content.links[link]);
         link = run.link;
         if (link != kNone && IsFollowed(content.links[link])) line_ += '[';
       }
-      AppendRun(content, run, feed, line_.size() == start && feed.empty());
+      AppendRun(content, index, feed, line_.size() == start && feed.empty());
     }
     if (link != kNone) EndLink(content.links[link]);
   }
@@ -213,8 +250,21 @@ class MarkdownWriter : public BlockSink {
     line_ += ')';
   }
 
+  // The character that comes behind a run; a blank at the end of the line.
+  static char32_t Follower(const Content &content, std::size_t index) {
+    const auto followed = [&](std::uint32_t link) {
+      return link != kNone && IsFollowed(content.links[link]);
+    };
+    const std::uint32_t link = content.runs[index].link;
+    if (index + 1 == content.runs.size()) return followed(link) ? U']' : U' ';
+    const Run &next = content.runs[index + 1];
+    if (next.link != link && (followed(link) || followed(next.link))) return U'[';
+    return next.image != kNone ? U'!' : FirstCharacter(content.TextOf(next));
+  }
+
   // Emphasis has to touch its text: blanks at its ends stand outside.
-  void AppendRun(const Content &content, const Run &run, std::string_view feed, bool lineStart) {
+  void AppendRun(const Content &content, std::size_t index, std::string_view feed, bool lineStart) {
+    const Run &run = content.runs[index];
     if (run.image != kNone) {
       const Image &image = content.images[run.image];
       line_ += "![";
@@ -226,21 +276,23 @@ class MarkdownWriter : public BlockSink {
     }
     std::string_view text = content.TextOf(run);
     const std::size_t first = text.find_first_not_of(" \n");
-    const std::string_view mark = first == std::string_view::npos      ? ""
-                                  : run.style.bold && run.style.italic ? "***"
-                                  : run.style.bold                     ? "**"
-                                  : run.style.italic                   ? "*"
-                                                                       : "";
-    std::string_view behind;
-    if (!mark.empty()) {
-      AppendLines(text.substr(0, first), feed, false);
-      const std::size_t last = text.find_last_not_of(" \n") + 1;
-      behind = text.substr(last);
-      text = text.substr(first, last - first);
+    const Emphasis emphasis = EmphasisOf(run.style);
+    if (first == std::string_view::npos || emphasis.mark.empty()) {
+      AppendLines(text, feed, lineStart);
+      return;
     }
-    line_ += mark;
-    AppendLines(text, feed, lineStart && mark.empty());
-    line_ += mark;
+    AppendLines(text.substr(0, first), feed, false);
+    const std::size_t last = text.find_last_not_of(" \n") + 1;
+    const std::string_view behind = text.substr(last);
+    text = text.substr(first, last - first);
+    const char32_t after = behind.empty() ? Follower(content, index) : U' ';
+    const bool marks = line_.size() != marksEnd_ &&
+                       MarkCounts(FirstCharacter(text), LastCharacter(line_)) &&
+                       MarkCounts(LastCharacter(text), after);
+    line_ += marks ? emphasis.mark : emphasis.openTag;
+    AppendLines(text, feed, false);
+    line_ += marks ? emphasis.mark : emphasis.closeTag;
+    if (marks) marksEnd_ = line_.size();
     AppendLines(behind, feed, false);
   }
 
@@ -258,6 +310,7 @@ class MarkdownWriter : public BlockSink {
   bool firstCard_ = true;
   Block lastBlock_ = Block::kNone;
   std::string line_;
+  std::size_t marksEnd_ = std::string::npos;  ///< where marks in the line have ended last
 };
 
 }  // namespace

@@ -119,6 +119,13 @@ char32_t NextCharacter(std::string_view text, std::size_t &offset) {
   return character == kIllFormed ? kReplacementCharacter : character;
 }
 
+CharacterClass ClassOf(char32_t character) {
+  const auto code = static_cast<UChar32>(character);
+  if (u_isUWhiteSpace(code) != 0) return CharacterClass::kBlank;
+  const bool punctuation = (U_GET_GC_MASK(code) & (U_GC_P_MASK | U_GC_S_MASK)) != 0;
+  return punctuation ? CharacterClass::kPunctuation : CharacterClass::kWord;
+}
+
 std::string WithoutControls(std::string text) {
   std::size_t kept = 0;
   for (std::size_t offset = 0; offset < text.size();) {

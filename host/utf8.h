@@ -40,6 +40,10 @@ int ColumnWidth(char32_t character);
 /// Columns of a text without line feeds.
 std::size_t ColumnWidth(std::string_view text);
 
+/// What a character is to the rules of emphasis in Markdown.
+enum class CharacterClass { kBlank, kPunctuation, kWord };
+CharacterClass ClassOf(char32_t character);
+
 /// The text without control characters. Nothing is copied when it has none.
 std::string WithoutControls(std::string text);
 
