@@ -133,6 +133,10 @@ std::optional<std::string> Settle(Options &options, const Raw &raw, const CLI::A
   }
   options.writer.width = raw.width != 0 ? raw.width : TerminalWidth();
   options.writer.color = WantsColor(raw.color, !options.outputDirectory.empty());
+  std::error_code ignored;
+  if (!options.assets.empty() && !std::filesystem::is_directory(options.assets, ignored)) {
+    return "--assets: " + Printable(options.assets) + " is not a directory";
+  }
   if (auto mistake = SettleAdaptation(options, raw)) return mistake;
   if (!options.deck.charset.empty() && !vs_wml::IsKnownCharset(options.deck.charset)) {
     return "--charset: \"" + options.deck.charset + "\" is no character set that is known";
@@ -202,7 +206,7 @@ std::optional<Options> ParseOptions(int argc, char **argv, int &exitCode) {
     mistake = error.what();
   }
   if (mistake) {
-    std::cerr << "unwml: " << *mistake << "\nTry 'unwml --help'.\n";
+    std::cerr << "unwml: " << Printable(*mistake) << "\nTry 'unwml --help'.\n";
     exitCode = kWrongUsage;
   } else if (!std::cout.flush()) {
     exitCode = kSomeFailed;

@@ -45,7 +45,8 @@ unwml() { "$UNWML" "$@"; }
 
 @test "wrong usage is told and ends with 2" {
   for arguments in '--to pdf' '--width 0' '--no-such' '--charset nope' '--identity 1152' \
-    '--identity 1151 --charset utf-8' '-j 0' '--to' '- -' '-o a.wml'; do
+    '--identity 1151 --charset utf-8' '-j 0' '--to' '- -' '-o a.wml' \
+    '--assets a.wml' '--assets nowhere'; do
     # shellcheck disable=SC2086
     run unwml $arguments a.wml
     [ "$status" = 2 ]

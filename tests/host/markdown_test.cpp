@@ -3,23 +3,10 @@
 // Markdown that reads as the deck does: marks that count, characters that do not.
 #include <gtest/gtest.h>
 
-#include <string>
+#include "written.h"
 
-#include "host/deck.h"
-#include "host/output.h"
-#include "host/reader.h"
-#include "host/writer.h"
-
-namespace vs_wml {
+namespace vs_wml::test {
 namespace {
-
-std::string Markdown(const std::string &content) {
-  std::string written;
-  Output output([&](std::string_view piece) { written += piece; });
-  const auto writer = MakeWriter(Format::kMarkdown, output, {});
-  ReadDeck(PrepareDeck("deck.wml", "<wml><card>" + content + "</card></wml>", {}), *writer);
-  return written;
-}
 
 TEST(Markdown, IsReadAsTheDeckIs) {
   const struct {
@@ -54,8 +41,9 @@ TEST(Markdown, IsReadAsTheDeckIs) {
        "[x](javascript\\&#58;x) y\n"},
       {"<p><img src='data:image/svg+xml,x' alt='a]b'/></p>", "![a\\]b](#)\n"},
   };
-  for (const auto &item : cases) EXPECT_EQ(Markdown(item.content), item.markdown) << item.content;
+  for (const auto &item : cases)
+    EXPECT_EQ(Written(Format::kMarkdown, item.content), item.markdown) << item.content;
 }
 
 }  // namespace
-}  // namespace vs_wml
+}  // namespace vs_wml::test

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+//
+// Text as it stands on a terminal (columns, alignment, styles over line ends, links), and what
+// HTML may hold.
+#include <gtest/gtest.h>
+
+#include "written.h"
+
+namespace vs_wml::test {
+namespace {
+
+TEST(TextWriter, LaysOutTables) {
+  const struct {
+    std::size_t width;
+    const char *table;
+    const char *text;
+  } cases[] = {
+      {20,
+       "columns='2' align='LR'><tr><td>日本</td><td>1</td></tr><tr><td>a</td><td>1000</td></tr>",
+       "日本     1\na     1000\n"},
+      {20, "columns='3'><tr><td>a</td><td></td><td>c</td></tr><tr><td></td><td>b</td></tr>",
+       "a     c\n   b\n"},
+      {16,
+       "columns='2' align='CC'><tr><td>a<br/>bcd</td><td>e</td></tr>"
+       "<tr><td>x</td><td>wide cell text</td></tr>",
+       " a        e\nbcd\n x    wide cell\n        text\n"},
+      // Too narrow for words, then for columns: nothing is lost.
+      {12, "columns='2'><tr><td>日本語テスト</td><td>one two three</td></tr>",
+       "日   one\n本   two\n語   three\nテ\nス\nト\n"},
+      {3, "columns='3'><tr><td>ab</td><td>日本</td><td>c</td></tr>", "a  日  c\nb  本\n"},
+      {1, "columns='2'><tr><td>e&#x301;f</td><td>x</td></tr>", "e\xCC\x81  x\nf\n"},
+  };
+  for (const auto &item : cases) {
+    WriterOptions options;
+    options.width = item.width;
+    EXPECT_EQ(Written(Format::kText, std::string("<table ") + item.table + "</table>", options),
+              item.text)
+        << item.table;
+  }
+}
+
+TEST(TextWriter, LaysOutParagraphs) {
+  const struct {
+    bool color;
+    const char *content;
+    const char *text;
+  } cases[] = {
+      {false, "<p align='right'>日本 a</p><p align='center'>é</p>", "    日本 a\n\n    é\n"},
+      {false, "<p align='center'>longlonglonglong x</p>", "longlonglonglong\n    x\n"},
+      {false, "<p>e&#x301;e&#x301;e&#x301;e&#x301;e&#x301;e&#x301;e&#x301;e&#x301; x y</p>",
+       "e\xCC\x81"
+       "e\xCC\x81"
+       "e\xCC\x81"
+       "e\xCC\x81"
+       "e\xCC\x81"
+       "e\xCC\x81"
+       "e\xCC\x81"
+       "e\xCC\x81 x\ny\n"},
+      {false, "<p>a&#xA0;b&#xA0;c&#xA0;d&#xA0;e&#xA0;f g</p>", "a\u00A0b\u00A0c\u00A0d\u00A0e\u00A0f\ng\n"},
+      {false, "<p>😀😀😀😀😀😀</p>", "😀😀😀😀😀\n😀\n"},
+      // Styles end with the line and begin again on the next.
+      {true, "<p><b>one two</b> x <a href='u'>four five</a></p>",
+       "\x1B[0;1mone two\x1B[0m x\n\x1B[0;4;34mfour\x1B[0m\n\x1B[0;4;34mfive[1]\x1B[0m\n\n[1] u\n"},
+      {true, "<p><b>a</b><i>b</i>c</p>", "\x1B[0;1ma\x1B[0;3mb\x1B[0mc\n"},
+      // Links beside each other have numbers of their own; a card lists those it has.
+      {false, "<p><a href='1'>a</a><a href='1'>b</a></p></card><card><p><a href='2'>c</a></p>",
+       "a[1]b[2]\n\n[1] 1\n[2] 1\n\n──────────\n\nc[3]\n\n[3] 2\n"},
+  };
+  for (const auto &item : cases) {
+    WriterOptions options;
+    options.width = 10;
+    options.color = item.color;
+    EXPECT_EQ(Written(Format::kText, item.content, options), item.text) << item.content;
+  }
+}
+
+TEST(HtmlWriter, LinksAndIdsAreWhatAPageMayHave) {
+  const struct {
+    const char *content;
+    const char *part;  ///< stands in the page
+  } cases[] = {
+      {"<p><a href='a b|é'>x</a></p>", "<a href=\"a%20b%7C%C3%A9\">x</a>"},
+      {"<p><a href='?a=%20&amp;b=1'>x</a></p>", "<a href=\"?a=%20&amp;b=1\">x</a>"},
+      {"<p><a href='JAVA&#10;script:x'>x</a></p>",
+       "<span class=\"inert\" title=\"JAVA script:x\">x</span>"},
+      {"<p><a href='&#1;data:x'>x</a></p>", "<span class=\"inert\" title=\"data:x\">x</span>"},
+      {"<p><anchor>x<go href='javascript:y' method='post'/></anchor></p>",
+       "<span class=\"inert\" title=\"POST javascript:y\">x</span>"},
+      {"<p><anchor>x<go href='u' method='post'><postfield name='&quot;' value='&lt;'/></go>"
+       "</anchor></p>",
+       "<input type=\"hidden\" name=\"&quot;\" value=\"&lt;\">"},
+      {"</card><card id='a b'><p>x</p>", "<section>\n<p>x</p>"},
+      {"</card><card id='k'/><card id='k'><p>x</p>", "<section>\n<p>x</p>"},
+      {"</card><card id='unwml-form-1'><p>x</p>", "<section>\n<p>x</p>"},
+      {"<p><img src='data:image/svg+xml,x' alt='&lt;'/></p>", "<p>[&lt;]</p>"},
+  };
+  for (const auto &item : cases) {
+    const std::string page = Written(Format::kHtml, item.content);
+    EXPECT_NE(page.find(item.part), std::string::npos)
+        << item.content << page.substr(page.find("<body>"));
+  }
+}
+
+}  // namespace
+}  // namespace vs_wml::test
