@@ -28,7 +28,8 @@ bool IsKnownCharset(std::string_view name);
 
 /// Finds the character set of `bytes`: `option` when it is not empty, else byte-order
 /// mark, XML declaration, meta element, HTTP header saved with the document, well-formed
-/// UTF-8, a statistical detector, windows-1252. A declared name that is unknown or impossible becomes a warning.
+/// UTF-8, a statistical detector, windows-1252. A declared name that is unknown or impossible
+/// becomes a warning.
 DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
                               std::vector<std::string> &warnings);
 

@@ -56,7 +56,8 @@ TEST(TextWriter, LaysOutParagraphs) {
        "e\xCC\x81"
        "e\xCC\x81"
        "e\xCC\x81 x\ny\n"},
-      {false, "<p>a&#xA0;b&#xA0;c&#xA0;d&#xA0;e&#xA0;f g</p>", "a\u00A0b\u00A0c\u00A0d\u00A0e\u00A0f\ng\n"},
+      {false, "<p>a&#xA0;b&#xA0;c&#xA0;d&#xA0;e&#xA0;f g</p>",
+       "a\u00A0b\u00A0c\u00A0d\u00A0e\u00A0f\ng\n"},
       {false, "<p>😀😀😀😀😀😀</p>", "😀😀😀😀😀\n😀\n"},
       // Styles end with the line and begin again on the next.
       {true, "<p><b>one two</b> x <a href='u'>four five</a></p>",
