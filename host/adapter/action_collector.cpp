@@ -14,19 +14,19 @@ constexpr std::string_view kEvents[] = {"onenterforward", "onenterbackward", "on
 // What an action of a template costs each card that has it, besides its label.
 constexpr std::size_t kTemplateCost = 64;
 
-Task GoTo(std::string target) {
-  Task task;
+void GoTo(Task &task, std::string target) {
   task.kind = TaskKind::kGo;
   task.target = std::move(target);
   task.method = "get";
-  return task;
 }
 
 }  // namespace
 
-std::size_t ActionCollector::Add(Action action) {
-  parts_.actions.push_back(std::move(action));
-  return parts_.actions.size() - 1;
+// Actions are large: they are made where they stay.
+Action &ActionCollector::Add(ActionKind kind) {
+  Action &action = parts_.actions.emplace_back();
+  action.kind = kind;
+  return action;
 }
 
 // A key or an event belongs to the card or the template that it stands in.
@@ -35,24 +35,20 @@ void ActionCollector::Register(std::size_t action) {
 }
 
 std::size_t ActionCollector::AddLink(const Token &token) {
-  Action link;
-  link.kind = ActionKind::kLink;
+  Action &link = Add(ActionKind::kLink);
   link.title = values_.Text(token, "title");
   link.accessKey = values_.Text(token, "accesskey");
-  link.task = GoTo(values_.Target(token, "href"));
-  return Add(std::move(link));
+  GoTo(link.task, values_.Target(token, "href"));
+  return Last();
 }
 
 std::size_t ActionCollector::AddPick(std::string target) {
-  Action pick;
-  pick.kind = ActionKind::kPick;
-  pick.task = GoTo(std::move(target));
-  return Add(std::move(pick));
+  GoTo(Add(ActionKind::kPick).task, std::move(target));
+  return Last();
 }
 
 std::size_t ActionCollector::Begin(TaskOwner owner, ActionKind kind, const Token &token) {
-  Action action;
-  action.kind = kind;
+  Action &action = Add(kind);
   action.title = values_.Text(token, "title");
   action.accessKey = values_.Text(token, "accesskey");
   action.label = Collapsed(values_.Text(token, "label"));
@@ -60,7 +56,7 @@ std::size_t ActionCollector::Begin(TaskOwner owner, ActionKind kind, const Token
     action.type = Lowered(Trim(values_.Text(token, "type")));
     action.name = values_.Text(token, "name");
   }
-  const std::size_t index = Add(std::move(action));
+  const std::size_t index = Last();
   if (kind == ActionKind::kDo || kind == ActionKind::kEvent) Register(index);
   owners_.push_back({owner, index});
   ++ownerCount_[static_cast<std::size_t>(owner)];
@@ -110,11 +106,10 @@ void ActionCollector::AddVariable(const Token &token) {
 void ActionCollector::AddAttributeEvents(const Token &token) {
   for (const std::string_view event : kEvents) {
     if (token.Find(event) == nullptr) continue;
-    Action action;
-    action.kind = ActionKind::kEvent;
+    Action &action = Add(ActionKind::kEvent);
     action.type = event;
-    action.task = GoTo(values_.Target(token, event));
-    Register(Add(std::move(action)));
+    GoTo(action.task, values_.Target(token, event));
+    Register(Last());
   }
 }
 

@@ -61,7 +61,8 @@ class ActionCollector {
     std::size_t action;
   };
 
-  std::size_t Add(Action action);
+  Action &Add(ActionKind kind);
+  std::size_t Last() const { return parts_.actions.size() - 1; }
   void Register(std::size_t action);
   static std::string ShadowKey(const Action &action);
 

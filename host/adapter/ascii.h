@@ -11,8 +11,6 @@
 
 namespace vs_wml {
 
-inline constexpr std::string_view kWhiteSpace = " \t\r\n";
-
 constexpr bool IsWhiteSpace(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
@@ -29,14 +27,26 @@ constexpr bool IsHexDigit(char c) {
   return IsDigit(c) || (ToLower(c) >= 'a' && ToLower(c) <= 'f');
 }
 
-inline bool IsBlank(std::string_view text) {
-  return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
+/// Where the first character from `at` on stands that is no white space, or the end.
+constexpr std::size_t SkipWhiteSpace(std::string_view text, std::size_t at) {
+  while (at < text.size() && IsWhiteSpace(text[at])) ++at;
+  return at;
 }
 
-inline std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+/// The length of the text without the white space at its end.
+constexpr std::size_t LengthWithoutWhiteSpace(std::string_view text) {
+  std::size_t length = text.size();
+  while (length > 0 && IsWhiteSpace(text[length - 1])) --length;
+  return length;
+}
+
+constexpr bool IsBlank(std::string_view text) {
+  return SkipWhiteSpace(text, 0) == text.size();
+}
+
+constexpr std::string_view Trim(std::string_view text) {
+  text.remove_prefix(SkipWhiteSpace(text, 0));
+  return text.substr(0, LengthWithoutWhiteSpace(text));
 }
 
 inline bool EqualIgnoringCase(std::string_view a, std::string_view b) {

@@ -2,6 +2,7 @@
 #include "host/adapter/deck_adapter.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <utility>
 
@@ -38,9 +39,8 @@ class DeckAdapter {
   DeckAdapter(std::string_view document, const AdapterOptions &options)
       : document_(document),
         warnings_(document),
-        variables_(options.variables),
-        survey_(SurveyDeck(document, variables_)),
-        values_(variables_, kBudgetFactor * document.size() + kBudgetBase),
+        survey_(document, options.variables),
+        values_(survey_, kBudgetFactor * document.size() + kBudgetBase),
         writer_(adapted_.served),
         actions_(adapted_.parts, values_, warnings_),
         fields_(adapted_.parts, values_) {}
@@ -61,11 +61,14 @@ class DeckAdapter {
     Handler end;    // null: nothing to do
   };
   static const Element kElements[];
+  static constexpr std::size_t kIndexSize = 128;
+  static const std::array<std::uint8_t, kIndexSize> kElementIndex;
 
+  static constexpr std::size_t FirstSlot(std::string_view name);
   static const Element *FindElement(std::string_view name);
   void Take(const Token &token);
   void Start(const Token &token);
-  void End(const Token &token);
+  void End(const Element &element, const Token &token);
 
   // Text.
   void Characters(std::string_view text);
@@ -142,7 +145,6 @@ class DeckAdapter {
 
   std::string_view document_;
   Warnings warnings_;
-  Variables variables_;
   DeckSurvey survey_;
   AdaptedDeck adapted_;
   ValueReader values_;
@@ -205,6 +207,24 @@ constexpr DeckAdapter::Element DeckAdapter::kElements[] = {
     {"wml", Place::kDeck, &DeckAdapter::BeginDeck, &DeckAdapter::EndDeck},
 };
 
+// Where in the index the search for a name starts, whatever its case.
+constexpr std::size_t DeckAdapter::FirstSlot(std::string_view name) {
+  const auto first = static_cast<unsigned char>(ToLower(name.front()));
+  const auto last = static_cast<unsigned char>(ToLower(name.back()));
+  return (name.size() + 5U * first + 24U * last) % kIndexSize;
+}
+
+// A hash table: positions in kElements from 1 on, 0 for a free slot.
+constexpr std::array<std::uint8_t, DeckAdapter::kIndexSize> DeckAdapter::kElementIndex = [] {
+  std::array<std::uint8_t, kIndexSize> index{};
+  for (std::size_t element = 0; element < std::size(kElements); ++element) {
+    std::size_t slot = FirstSlot(kElements[element].name);
+    while (index[slot] != 0) slot = (slot + 1) % kIndexSize;
+    index[slot] = static_cast<std::uint8_t>(element + 1);
+  }
+  return index;
+}();
+
 AdaptedDeck DeckAdapter::Run() {
   adapted_.served.reserve(document_.size() + document_.size() / 4);
   writer_.BeginDeck();
@@ -217,13 +237,13 @@ AdaptedDeck DeckAdapter::Run() {
 }
 
 const DeckAdapter::Element *DeckAdapter::FindElement(std::string_view name) {
-  constexpr std::size_t kLongest = 9;
-  if (name.empty() || name.size() > kLongest) return nullptr;
-  const std::string lowered = Lowered(name);
-  const auto found = std::lower_bound(
-      std::begin(kElements), std::end(kElements), lowered,
-      [](const Element &element, const std::string &key) { return element.name < key; });
-  return found != std::end(kElements) && found->name == lowered ? found : nullptr;
+  if (name.empty()) return nullptr;
+  for (std::size_t slot = FirstSlot(name); kElementIndex[slot] != 0;
+       slot = (slot + 1) % kIndexSize) {
+    const Element &element = kElements[kElementIndex[slot] - 1];
+    if (EqualIgnoringCase(element.name, name)) return &element;
+  }
+  return nullptr;
 }
 
 void DeckAdapter::Take(const Token &token) {
@@ -238,7 +258,7 @@ void DeckAdapter::Take(const Token &token) {
       Start(token);
       break;
     case TokenKind::kEndTag:
-      End(token);
+      if (const Element *element = FindElement(token.name)) End(*element, token);
       break;
     case TokenKind::kEnd:
       break;
@@ -254,31 +274,30 @@ void DeckAdapter::Start(const Token &token) {
     return;
   }
   (this->*element->begin)(token);
-  if (token.empty) End(token);
+  if (token.empty) End(*element, token);
 }
 
-void DeckAdapter::End(const Token &token) {
-  const Element *element = FindElement(token.name);
-  if (element == nullptr || element->end == nullptr) return;
-  if (element->place != Place::kDeck && !inCard_) return;
-  if (element->place == Place::kText && fields_.InOption()) return;
-  (this->*element->end)(token);
+void DeckAdapter::End(const Element &element, const Token &token) {
+  if (element.end == nullptr) return;
+  if (element.place != Place::kDeck && !inCard_) return;
+  if (element.place == Place::kText && fields_.InOption()) return;
+  (this->*element.end)(token);
 }
 
 // ------------------------------------------------------------------------- text
 
 void DeckAdapter::Characters(std::string_view text) {
   if (!inCard_ && (IsBlank(text) || !inDeck_ || !EnsureCard())) return;
+  std::size_t reference = text.find('&');
+  std::size_t variable = text.find('$');
   for (std::size_t at = 0; at < text.size();) {
-    if (text[at] == '&') {
-      Reference(text, at);
-    } else if (text[at] == '$') {
-      Variable(text, at);
-    } else {
-      const std::size_t start = at;
-      while (at < text.size() && text[at] != '&' && text[at] != '$') ++at;
-      Write(text.substr(start, at - start));
-    }
+    if (reference < at) reference = text.find('&', at);
+    if (variable < at) variable = text.find('$', at);
+    const std::size_t special = std::min({reference, variable, text.size()});
+    if (at < special) Write(text.substr(at, special - at));
+    at = special;
+    if (at == reference) Reference(text, at);
+    if (at == variable) Variable(text, at);
   }
 }
 
@@ -328,7 +347,7 @@ void DeckAdapter::Variable(std::string_view text, std::size_t &at) {
 // Whether there is a card for content. A deck without any cards is shown as one.
 bool DeckAdapter::EnsureCard() {
   if (inCard_) return true;
-  if (survey_.hasCards || inHead_ || inTemplate_) return false;
+  if (inHead_ || inTemplate_ || survey_.HasCards()) return false;
   if (adapted_.parts.cards.empty()) {
     warnings_.Add("the deck has no card; it is shown as one", 0);
   }
@@ -480,10 +499,8 @@ void DeckAdapter::BeginTable(const Token &token) {
     return;
   }
   std::size_t columns = values_.Number(token, "columns");
-  const std::size_t counted =
-      table_ < survey_.tableColumns.size() ? survey_.tableColumns[table_] : 0;
+  if (columns == 0 || columns > kMostColumns) columns = survey_.TableColumns(table_);
   ++table_;
-  if (columns == 0 || columns > kMostColumns) columns = counted;
   writer_.OpenTable(columns, ValueReader::Word(token, "align") +
                                  ServedAttribute("title", values_.Text(token, "title")));
 }

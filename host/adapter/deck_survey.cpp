@@ -25,24 +25,25 @@ class Surveyor {
     }
   }
 
-  DeckSurvey survey;
+  bool hasCards = false;
+  std::vector<std::uint16_t> tableColumns;
 
  private:
   void Start(const Token &token) {
     const auto is = [&](std::string_view name) { return EqualIgnoringCase(token.name, name); };
     if (is("card")) {
-      survey.hasCards = true;
+      hasCards = true;
       tableDepth_ = 0;
     } else if (is("setvar") || is("input")) {
       NoteValue(token);
     } else if (is("table") && !token.empty) {
-      if (tableDepth_++ == 0) survey.tableColumns.push_back(0);
+      if (tableDepth_++ == 0) tableColumns.push_back(0);
       cells_ = 0;
     } else if (is("tr")) {
       if (tableDepth_ == 1) cells_ = 0;
     } else if ((is("td") || is("th")) && tableDepth_ == 1) {
       cells_ = std::min<std::uint16_t>(static_cast<std::uint16_t>(cells_ + 1), kMostColumns);
-      survey.tableColumns.back() = std::max(survey.tableColumns.back(), cells_);
+      tableColumns.back() = std::max(tableColumns.back(), cells_);
     }
   }
 
@@ -65,11 +66,29 @@ class Surveyor {
 
 }  // namespace
 
-DeckSurvey SurveyDeck(std::string_view document, Variables &variables) {
-  MarkupReader reader(document, nullptr);
-  Surveyor surveyor(variables);
+void DeckSurvey::Read() {
+  if (read_) return;
+  read_ = true;
+  MarkupReader reader(document_, nullptr);
+  Surveyor surveyor(variables_);
   for (Token token; reader.Next(token);) surveyor.Take(token);
-  return std::move(surveyor.survey);
+  hasCards_ = surveyor.hasCards;
+  tableColumns_ = std::move(surveyor.tableColumns);
+}
+
+bool DeckSurvey::HasCards() {
+  Read();
+  return hasCards_;
+}
+
+std::size_t DeckSurvey::TableColumns(std::size_t table) {
+  Read();
+  return table < tableColumns_.size() ? tableColumns_[table] : 0;
+}
+
+const Variables &DeckSurvey::KnownVariables() {
+  Read();
+  return variables_;
 }
 
 }  // namespace vs_wml

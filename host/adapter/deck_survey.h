@@ -1,5 +1,5 @@
 /// \file
-/// What has to be known of a deck before it is adapted.
+/// What lies ahead in a deck while it is adapted.
 ///
 /// SPDX-License-Identifier: MIT
 #ifndef VS_WML_HOST_ADAPTER_DECK_SURVEY_H
@@ -7,6 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,15 +16,30 @@
 
 namespace vs_wml {
 
-struct DeckSurvey {
-  bool hasCards = false;
-  /// For each table that is not nested, in order: the most cells that a row has.
-  std::vector<std::uint16_t> tableColumns;
-};
+/// Reads a document through when something is asked for first, and not at all when
+/// nothing is.
+class DeckSurvey {
+ public:
+  /// `document` has to outlive the survey; `given` are the user's values of variables.
+  DeckSurvey(std::string_view document, const std::map<std::string, std::string> &given)
+      : document_(document), variables_(given) {}
 
-/// Reads a document through once. The values that it gives to variables (`setvar`, the
-/// default of an `input`) are noted in `variables`.
-DeckSurvey SurveyDeck(std::string_view document, Variables &variables);
+  bool HasCards();
+  /// The most cells that a row of a table has, 0 when there is no such table; those that
+  /// are not nested are counted from 0.
+  std::size_t TableColumns(std::size_t table);
+  /// With the values that the document gives (`setvar`, the default of an `input`).
+  const Variables &KnownVariables();
+
+ private:
+  void Read();
+
+  std::string_view document_;
+  Variables variables_;
+  bool read_ = false;
+  bool hasCards_ = false;
+  std::vector<std::uint16_t> tableColumns_;
+};
 
 }  // namespace vs_wml
 

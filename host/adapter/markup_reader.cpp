@@ -2,6 +2,7 @@
 #include "host/adapter/markup_reader.h"
 
 #include <algorithm>
+#include <array>
 
 #include "host/adapter/ascii.h"
 
@@ -11,8 +12,17 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::string_view kCdataStart = "<![CDATA[";
 
+// The bytes that names are made of, as people write them.
+constexpr auto kNameBytes = [] {
+  std::array<bool, 256> name{};
+  name.fill(true);
+  for (const char c : std::string_view(" \t\r\n=/><\"'"))
+    name[static_cast<unsigned char>(c)] = false;
+  return name;
+}();
+
 constexpr bool IsNameCharacter(char c) {
-  return !IsWhiteSpace(c) && std::string_view("=/><\"'").find(c) == kNone;
+  return kNameBytes[static_cast<unsigned char>(c)];
 }
 
 constexpr bool IsNameStart(char c) {
@@ -33,24 +43,27 @@ bool MarkupReader::Next(Token &token) {
   token.empty = false;
   while (position_ < document_.size()) {
     token.offset = position_;
-    if (StartsMarkup(position_)) {
-      if (ReadMarkup(token)) return true;
-      continue;
+    if (!StartsMarkup(position_)) {
+      ReadText(token);
+      return true;
     }
-    std::size_t end = position_ + 1;
-    while ((end = document_.find('<', end)) != kNone && !StartsMarkup(end)) ++end;
-    end = std::min(end, document_.size());
-    token.kind = TokenKind::kText;
-    token.text = document_.substr(position_, end - position_);
-    position_ = end;
-    return true;
+    if (ReadMarkup(token)) return true;
   }
   token.kind = TokenKind::kEnd;
   return false;
 }
 
-void MarkupReader::Warn(const char *message) const {
-  if (warnings_ != nullptr) warnings_->Add(message, position_);
+void MarkupReader::ReadText(Token &token) {
+  std::size_t end = position_ + 1;
+  while ((end = document_.find('<', end)) != kNone && !StartsMarkup(end)) ++end;
+  end = std::min(end, document_.size());
+  token.kind = TokenKind::kText;
+  token.text = document_.substr(position_, end - position_);
+  position_ = end;
+}
+
+void MarkupReader::Warn(const char *message, std::size_t offset) const {
+  if (warnings_ != nullptr) warnings_->Add(message, offset);
 }
 
 bool MarkupReader::StartsWith(std::size_t at, std::string_view prefix) const {
@@ -78,20 +91,20 @@ bool MarkupReader::IsLooseTag(std::size_t at) const {
 
 // True when it gave a token, false when it was passed over.
 bool MarkupReader::ReadMarkup(Token &token) {
-  if (StartsWith(position_, kCdataStart)) return ReadCdata(token);
-  if (StartsWith(position_, "<!--")) {
-    SkipComment();
-    return false;
-  }
   switch (document_[position_ + 1]) {
     case '!':
-      SkipDeclaration();
+      if (StartsWith(position_, kCdataStart)) return ReadCdata(token);
+      if (StartsWith(position_, "<!--")) {
+        SkipComment();
+      } else {
+        SkipDeclaration();
+      }
       return false;
     case '?':
       SkipUntil(position_ + 2, "?>", "a processing instruction does not end");
       return false;
     case '%':
-      Warn("server-side code was left out");
+      Warn("server-side code was left out", position_);
       SkipUntil(position_ + 2, "%>", "server-side code does not end");
       return false;
     case '/':
@@ -107,7 +120,7 @@ bool MarkupReader::ReadCdata(Token &token) {
   const std::size_t start = position_ + kCdataStart.size();
   const std::size_t end = FindOnce("]]>", start);
   if (end == kNone) {
-    Warn("a CDATA section does not end");
+    Warn("a CDATA section does not end", position_);
     position_ = start;
     return false;
   }
@@ -122,15 +135,15 @@ void MarkupReader::SkipComment() {
   for (std::size_t at = position_ + 4; (at = FindOnce("--", at)) != kNone; ++at) {
     std::size_t end = at + 2;
     if (end < document_.size() && document_[end] == '!') ++end;
-    end = document_.find_first_not_of(kWhiteSpace, end);
-    if (end != kNone && document_[end] == '>') {
+    end = SkipWhiteSpace(document_, end);
+    if (end == document_.size()) break;
+    if (document_[end] == '>') {
       position_ = end + 1;
       return;
     }
-    if (end == kNone) break;
   }
   absent_.push_back("--");
-  Warn("a comment does not end");
+  Warn("a comment does not end", position_);
   SkipToTagEnd();
 }
 
@@ -142,13 +155,13 @@ void MarkupReader::SkipDeclaration() {
     return;
   }
   for (std::size_t at = end; (at = FindOnce("]", at + 1)) != kNone;) {
-    const std::size_t close = document_.find_first_not_of(kWhiteSpace, at + 1);
-    if (close != kNone && document_[close] == '>') {
+    const std::size_t close = SkipWhiteSpace(document_, at + 1);
+    if (close < document_.size() && document_[close] == '>') {
       position_ = close + 1;
       return;
     }
   }
-  Warn("a declaration does not end");
+  Warn("a declaration does not end", position_);
   SkipToTagEnd();
 }
 
@@ -158,7 +171,7 @@ void MarkupReader::SkipUntil(std::size_t from, std::string_view end, const char 
     position_ = found + end.size();
     return;
   }
-  Warn(warning);
+  Warn(warning, position_);
   SkipToTagEnd();
 }
 
@@ -171,20 +184,22 @@ void MarkupReader::ReadEndTag(Token &token) {
   token.kind = TokenKind::kEndTag;
   position_ += 2;
   token.name = ReadName();
-  const std::size_t end = document_.find_first_of("<>", position_);
-  if (end == kNone || document_[end] == '<') Warn("a tag does not end");
-  position_ = end == kNone ? document_.size() : end + (document_[end] == '>' ? 1 : 0);
+  const std::size_t nameEnd = position_;
+  while (position_ < document_.size() && document_[position_] != '<') {
+    if (document_[position_++] == '>') return;
+  }
+  Warn("a tag does not end", nameEnd);
 }
 
 void MarkupReader::ReadStartTag(Token &token) {
   token.kind = TokenKind::kStartTag;
   ++position_;
-  SkipWhiteSpace();
+  position_ = SkipWhiteSpace(document_, position_);
   token.name = ReadName();
   while (true) {
-    SkipWhiteSpace();
+    position_ = SkipWhiteSpace(document_, position_);
     if (position_ == document_.size() || document_[position_] == '<') {
-      Warn("a tag does not end");
+      Warn("a tag does not end", position_);
       return;
     }
     switch (document_[position_]) {
@@ -209,10 +224,10 @@ void MarkupReader::ReadStartTag(Token &token) {
 void MarkupReader::ReadAttribute(Token &token) {
   Attribute attribute;
   attribute.name = ReadName();
-  SkipWhiteSpace();
+  position_ = SkipWhiteSpace(document_, position_);
   if (position_ < document_.size() && document_[position_] == '=') {
     ++position_;
-    SkipWhiteSpace();
+    position_ = SkipWhiteSpace(document_, position_);
     attribute.value = ReadValue(token);
   }
   token.attributes.push_back(attribute);
@@ -223,7 +238,7 @@ std::string_view MarkupReader::ReadValue(const Token &token) {
   std::string_view value;
   if (document_[position_] == '"' || document_[position_] == '\'') {
     if (ReadQuotedValue(value)) return value;
-    Warn("the value of an attribute has no closing quote");
+    Warn("the value of an attribute has no closing quote", position_);
     ++position_;
   }
   std::size_t end = position_;
@@ -259,10 +274,6 @@ std::string_view MarkupReader::ReadName() {
   const std::size_t start = position_;
   while (position_ < document_.size() && IsNameCharacter(document_[position_])) ++position_;
   return document_.substr(start, position_ - start);
-}
-
-void MarkupReader::SkipWhiteSpace() {
-  position_ = std::min(document_.find_first_not_of(kWhiteSpace, position_), document_.size());
 }
 
 // `what` from `from` on; what is not found is not looked for again. Positions never go

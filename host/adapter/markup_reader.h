@@ -58,6 +58,7 @@ class MarkupReader {
   bool StartsMarkup(std::size_t at) const;
   bool IsLooseTag(std::size_t at) const;
   bool StartsWith(std::size_t at, std::string_view prefix) const;
+  void ReadText(Token &token);
   bool ReadMarkup(Token &token);
   bool ReadCdata(Token &token);
   void SkipComment();
@@ -70,9 +71,8 @@ class MarkupReader {
   std::string_view ReadValue(const Token &token);
   bool ReadQuotedValue(std::string_view &value);
   std::string_view ReadName();
-  void SkipWhiteSpace();
   std::size_t FindOnce(std::string_view what, std::size_t from);
-  void Warn(const char *message) const;
+  void Warn(const char *message, std::size_t offset) const;
 
   std::string_view document_;
   Warnings *warnings_;

@@ -28,6 +28,14 @@ constexpr std::array<std::uint16_t, 32> kWindows1252 = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
+// The bytes that are taken as they are, wherever they stand.
+constexpr auto kClean = [] {
+  std::array<bool, 256> clean{};
+  for (std::size_t byte = 0x20; byte < clean.size(); ++byte) clean[byte] = byte != 0x7F;
+  clean[0xC2] = false;  // may begin a control character
+  return clean;
+}();
+
 constexpr bool IsHighSurrogate(char32_t c) {
   return c >= 0xD800 && c < 0xDC00;
 }
@@ -114,6 +122,10 @@ std::size_t NamedReferenceLength(std::string_view text) {
 
 void AppendClean(std::string &out, std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::size_t start = at;
+    while (at < text.size() && kClean[static_cast<unsigned char>(text[at])]) ++at;
+    out += text.substr(start, at - start);
+    if (at == text.size()) return;
     const auto byte = static_cast<unsigned char>(text[at]);
     const bool highControl =
         byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;

@@ -13,8 +13,19 @@ namespace {
 constexpr std::string_view kScheme = "unwml:";
 constexpr std::string_view kKinds = "afp";
 
-constexpr std::array<std::string_view, kStyleCount> kStyleNames = {"b",   "big",   "em",     "i",
-                                                                   "pre", "small", "strong", "u"};
+struct Tags {
+  std::string_view start;
+  std::string_view end;
+};
+
+constexpr std::array<Tags, kStyleCount> kStyleTags = {{{"<b>", "</b>"},
+                                                       {"<big>", "</big>"},
+                                                       {"<em>", "</em>"},
+                                                       {"<i>", "</i>"},
+                                                       {"<pre>", "</pre>"},
+                                                       {"<small>", "</small>"},
+                                                       {"<strong>", "</strong>"},
+                                                       {"<u>", "</u>"}}};
 
 enum class Place { kText, kAttribute };
 
@@ -101,7 +112,7 @@ std::optional<ServedReference> ParseServedTarget(std::string_view target) {
 
 void ServedWriter::BeginCard() {
   served_ += "<card>";
-  open_.push_back({Element::kCard, {}});
+  Push(Element::kCard);
 }
 
 void ServedWriter::CloseAll() {
@@ -120,14 +131,14 @@ void ServedWriter::EndCard() {
 }
 
 void ServedWriter::Text(std::string_view text) {
-  const std::size_t first = std::min(text.find_first_not_of(kWhiteSpace), text.size());
-  whiteSpace_ += text.substr(0, first);
+  const std::size_t first = SkipWhiteSpace(text, 0);
+  if (first != 0) whiteSpace_ += text.substr(0, first);
   text.remove_prefix(first);
   if (text.empty()) return;
-  const std::size_t end = text.find_last_not_of(kWhiteSpace) + 1;
+  const std::size_t end = LengthWithoutWhiteSpace(text);
   BeforeContent();
   AppendEscaped(served_, text.substr(0, end), Place::kText);
-  whiteSpace_ += text.substr(end);
+  if (end != text.size()) whiteSpace_ += text.substr(end);
 }
 
 void ServedWriter::NamedReference(std::string_view reference) {
@@ -139,8 +150,8 @@ void ServedWriter::OpenStyle(Style style) {
   if (styleDepth_[static_cast<std::size_t>(style)]++ != 0) return;
   if (style == Style::kPre) StartParagraph();  // none can start inside
   FlushWhiteSpace();
-  open_.push_back({Element::kStyle, style});
-  WriteStyleTag(style, false);
+  Push(Element::kStyle, style);
+  served_ += kStyleTags[static_cast<std::size_t>(style)].start;
 }
 
 void ServedWriter::CloseStyle(Style style) {
@@ -207,7 +218,7 @@ void ServedWriter::Marker(const ServedReference &reference, std::string_view tex
 }
 
 void ServedWriter::WriteMarker(const ServedReference &reference, std::string_view text) {
-  served_ += "<a href=\"" + ServedTarget(reference) + "\">";
+  WriteLinkStart(reference);
   AppendEscaped(served_, text, Place::kText);
   served_ += "</a>";
 }
@@ -219,20 +230,20 @@ void ServedWriter::OpenTable(std::size_t columns, std::string_view attributes) {
   served_ += "<table columns=\"" + std::to_string(columns) + '"';
   served_ += attributes;
   served_ += '>';
-  open_.push_back({Element::kTable, {}});
+  Push(Element::kTable);
 }
 
 void ServedWriter::OpenRow() {
   CloseRow();
   served_ += "<tr>";
-  open_.push_back({Element::kRow, {}});
+  Push(Element::kRow);
 }
 
 void ServedWriter::OpenCell() {
   CloseCell();
   if (!IsOpen(Element::kRow)) OpenRow();
   served_ += "<td>";
-  open_.push_back({Element::kCell, {}});
+  Push(Element::kCell);
 }
 
 void ServedWriter::CloseTable() {
@@ -241,9 +252,9 @@ void ServedWriter::CloseTable() {
   deferred_.clear();
 }
 
-bool ServedWriter::IsOpen(Element element) const {
-  return std::any_of(open_.begin(), open_.end(),
-                     [&](const Open &open) { return open.element == element; });
+void ServedWriter::Push(Element element, Style style) {
+  open_.push_back({element, style});
+  ++openCount_[static_cast<std::size_t>(element)];
 }
 
 // The filter takes no notice of the end of a paragraph; what follows it starts another.
@@ -257,25 +268,26 @@ void ServedWriter::BeforeContent() {
   if (link_ == kNoIndex) return;
   linkHasContent_ = true;
   if (IsOpen(Element::kLink)) return;
-  served_ += "<a href=\"" + ServedTarget({ServedKind::kAction, link_}) + "\">";
-  open_.push_back({Element::kLink, {}});
+  WriteLinkStart({ServedKind::kAction, link_});
+  Push(Element::kLink);
 }
 
 void ServedWriter::FlushWhiteSpace() {
+  if (whiteSpace_.empty()) return;
   served_ += whiteSpace_;
   whiteSpace_.clear();
 }
 
-void ServedWriter::WriteStyleTag(Style style, bool end) {
-  served_ += end ? "</" : "<";
-  served_ += kStyleNames[static_cast<std::size_t>(style)];
-  served_ += '>';
+void ServedWriter::WriteLinkStart(const ServedReference &reference) {
+  served_ += "<a href=\"";
+  served_ += ServedTarget(reference);
+  served_ += "\">";
 }
 
 void ServedWriter::WriteEnd(const Open &open) {
   switch (open.element) {
     case Element::kStyle:
-      WriteStyleTag(open.style, true);
+      served_ += kStyleTags[static_cast<std::size_t>(open.style)].end;
       break;
     case Element::kLink:
       served_ += "</a>";
@@ -306,14 +318,18 @@ bool ServedWriter::CloseInline(Element element, Style style) {
     if (open.element != Element::kStyle && open.element != Element::kLink) return false;
   } while (true);
   for (std::size_t i = open_.size(); i > first; --i) WriteEnd(open_[i - 1]);
-  const std::vector<Open> inner(open_.begin() + static_cast<std::ptrdiff_t>(first) + 1,
-                                open_.end());
-  open_.resize(first);
-  for (const Open &open : inner) {
-    if (open.element != Element::kStyle) continue;
-    WriteStyleTag(open.style, false);
-    open_.push_back(open);
+  --openCount_[static_cast<std::size_t>(element)];
+  std::size_t kept = first;
+  for (std::size_t i = first + 1; i < open_.size(); ++i) {
+    const Open inner = open_[i];
+    if (inner.element == Element::kStyle) {
+      served_ += kStyleTags[static_cast<std::size_t>(inner.style)].start;
+      open_[kept++] = inner;
+    } else {
+      --openCount_[static_cast<std::size_t>(inner.element)];
+    }
   }
+  open_.resize(kept);
   return true;
 }
 
@@ -327,6 +343,7 @@ void ServedWriter::CloseStructure(Element element) {
   do {
     open = open_.back();
     open_.pop_back();
+    --openCount_[static_cast<std::size_t>(open.element)];
     WriteEnd(open);
     if (open.element == Element::kStyle) styleDepth_[static_cast<std::size_t>(open.style)] = 0;
   } while (open.element != element);

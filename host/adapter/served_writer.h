@@ -96,16 +96,18 @@ class ServedWriter {
 
  private:
   enum class Element : std::uint8_t { kStyle, kLink, kTable, kRow, kCell, kCard };
+  static constexpr std::size_t kElementCount = 6;
   struct Open {
     Element element;
     Style style;  // of kStyle
   };
 
-  bool IsOpen(Element element) const;
+  bool IsOpen(Element element) const { return openCount_[static_cast<std::size_t>(element)] != 0; }
+  void Push(Element element, Style style = {});
   void StartParagraph();
   void BeforeContent();
   void FlushWhiteSpace();
-  void WriteStyleTag(Style style, bool end);
+  void WriteLinkStart(const ServedReference &reference);
   void WriteEnd(const Open &open);
   bool CloseInline(Element element, Style style);
   void CloseStructure(Element element);
@@ -115,8 +117,9 @@ class ServedWriter {
   std::string &served_;
   std::string whiteSpace_;  // not yet written: it belongs before what comes next
   std::vector<Open> open_;
-  std::array<std::uint32_t, kStyleCount> styleDepth_{};  // elements of a style that are open
-  std::size_t link_ = kNoIndex;                          // the action of the open link
+  std::array<std::uint32_t, kElementCount> openCount_{};  // of each kind in open_
+  std::array<std::uint32_t, kStyleCount> styleDepth_{};   // elements of a style that are open
+  std::size_t link_ = kNoIndex;                           // the action of the open link
   bool linkHasContent_ = false;
   bool paragraphEnded_ = false;  // what comes next starts a paragraph
 

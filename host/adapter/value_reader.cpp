@@ -12,14 +12,19 @@ namespace vs_wml {
 std::string ValueReader::Text(const Token &token, std::string_view attribute) {
   const std::string_view *raw = token.Find(attribute);
   if (raw == nullptr) return {};
-  return variables_.Substitute(DecodeAttribute(*raw), Conversion::kVerbatim, budget_);
+  return Substituted(DecodeAttribute(*raw), Conversion::kVerbatim);
 }
 
 std::string ValueReader::Target(const Token &token, std::string_view attribute) {
   const std::string_view *raw = token.Find(attribute);
   if (raw == nullptr) return {};
   const std::string decoded = DecodeAttribute(*raw);
-  return variables_.Substitute(Trim(decoded), Conversion::kEscape, budget_);
+  return Substituted(Trim(decoded), Conversion::kEscape);
+}
+
+std::string ValueReader::Substituted(std::string_view text, Conversion usual) {
+  if (text.find('$') == std::string_view::npos) return std::string(text);
+  return survey_.KnownVariables().Substitute(text, usual, budget_);
 }
 
 std::uint32_t ValueReader::Number(const Token &token, std::string_view attribute) {
@@ -58,7 +63,7 @@ std::string ValueReader::Word(const Token &token, std::string_view attribute) {
 }
 
 std::string ValueReader::Show(const VariableReference &reference) {
-  std::string shown = variables_.Show(reference, Conversion::kVerbatim);
+  std::string shown = survey_.KnownVariables().Show(reference, Conversion::kVerbatim);
   // What `{name}` adds to the reference itself is always affordable.
   if (shown.size() > reference.name.size() + 2 && !Spend(shown.size())) {
     shown = '{' + std::string(reference.name) + '}';

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "host/adapter/deck_parts.h"
+#include "host/adapter/deck_survey.h"
 #include "host/adapter/markup_reader.h"
 #include "host/adapter/variables.h"
 
@@ -21,8 +22,7 @@ namespace vs_wml {
 /// that a small document does not grow into a big one.
 class ValueReader {
  public:
-  ValueReader(const Variables &variables, std::size_t budget)
-      : variables_(variables), budget_(budget) {}
+  ValueReader(DeckSurvey &survey, std::size_t budget) : survey_(survey), budget_(budget) {}
 
   /// The value of an attribute, empty when it is missing.
   std::string Text(const Token &token, std::string_view attribute);
@@ -44,7 +44,9 @@ class ValueReader {
   bool Spend(std::size_t size);
 
  private:
-  const Variables &variables_;
+  std::string Substituted(std::string_view text, Conversion usual);
+
+  DeckSurvey &survey_;
   std::size_t budget_;
 };
 
