@@ -74,7 +74,8 @@ Outcome Converter::Convert(const Input &input) {
   Outcome outcome;
   try {
     if (input.output.empty()) {
-      outcome.bytes = Run(input, [&](std::string_view piece) { outcome.output += piece; });
+      outcome.bytes =
+          Run(input, [&](std::string_view piece) { outcome.output.emplace_back(piece); });
     } else {
       std::optional<PendingFile> file;
       outcome.bytes = Run(input, [&](std::string_view piece) {

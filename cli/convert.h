@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/output.h"
 #include "host/writer.h"
@@ -18,7 +19,8 @@ namespace unwml {
 
 /// What became of a document.
 struct Outcome {
-  std::string output;       ///< what goes to standard output; nothing of a document that failed
+  /// What goes to standard output, in pieces; nothing of a document that failed.
+  std::vector<std::string> output;
   std::string error;        ///< empty: it was read
   std::uint64_t bytes = 0;  ///< its size
 };

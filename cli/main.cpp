@@ -44,7 +44,7 @@ int Run(Options options) {
   Progress progress(inputs.list.size());
   bool failed = false;
   const auto take = [&](const Input &input, const Outcome &outcome) {
-    WriteToStandardOutput(outcome.output);
+    for (const std::string &piece : outcome.output) WriteToStandardOutput(piece);
     progress.Advance(outcome.bytes);
     if (outcome.error.empty()) return;
     failed = true;

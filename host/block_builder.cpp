@@ -13,9 +13,6 @@
 namespace vs_wml {
 namespace {
 
-// An image takes three strings at most: two of its own and a link's title.
-constexpr std::size_t kKeptStrings = 4;
-
 Alignment AlignmentOf(std::uint32_t property) {
   switch (property) {
     case PROP_ALIGN_RIGHT:
@@ -83,7 +80,7 @@ struct BlockBuilder::Routines_ {
   static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
     BlockBuilder &builder = Of(user);
     // Nearly every call ends here; the rest stays out of line to keep it short.
-    const bool plain = unit >= 0x20 && unit != 0x7F && (unit < 0x80 || builder.servedByte_);
+    const bool plain = (unit >= 0x20 && unit < 0x7F) || (unit >= 0x80 && builder.servedByte_);
     if (plain && builder.text_.TryAdd(static_cast<char>(unit))) return 0;
     builder.EmitOther(unit);
     return 0;
@@ -308,12 +305,13 @@ void BlockBuilder::StartContent() {
   cellStart_ = 0;
   text_.Clear();
   runs_.clear();
-  links_.clear();
   images_.clear();
   runStart_ = 0;
-  link_ = kNone;
-  if (linkOpen_) {
-    links_.push_back(openLink_);
+  if (link_ == kNone) {
+    links_.clear();
+  } else {  // the open link goes on
+    std::swap(links_.front(), links_[link_]);
+    links_.resize(1);
     link_ = 0;
   }
 }
@@ -580,7 +578,11 @@ void BlockBuilder::Property(std::uint32_t code, std::uint32_t a, std::uint32_t b
       }
       break;
     case PROP_REFERENCE_TARGET:
-      reference_.target = CleanText(ResolveReferences(AttributeText(b)));
+      // What the adapter has served holds no references.
+      reference_.target = AttributeText(b);
+      if (!deck_.info.adapted) {
+        reference_.target = CleanText(ResolveReferences(reference_.target));
+      }
       break;
     default:
       break;
@@ -588,16 +590,11 @@ void BlockBuilder::Property(std::uint32_t code, std::uint32_t a, std::uint32_t b
 }
 
 std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_t length) {
-  if (strings_.size() == kKeptStrings) {
-    std::rotate(strings_.begin(), strings_.begin() + 1, strings_.end());
-    strings_.pop_back();
-    ++firstString_;
-  }
-  std::string bytes(length, '\0');
+  std::string &bytes = strings_[storedStrings_ % kKeptStrings];
+  bytes.resize(length);
   std::transform(units, units + length, bytes.begin(),
                  [](std::uint16_t unit) { return static_cast<char>(unit); });
-  strings_.push_back(std::move(bytes));
-  return firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1;
+  return storedStrings_++;
 }
 
 // The value of an attribute as it stands in the tag that the filter has just read: it
@@ -617,13 +614,14 @@ std::string BlockBuilder::WholeValue(std::string value, std::string_view tag,
 
 // A stored string as text; empty when the index names none of those kept.
 std::string BlockBuilder::AttributeText(std::uint32_t index) const {
-  if (index < firstString_ || index - firstString_ >= strings_.size()) return {};
-  return TextOfBytes(strings_[index - firstString_]);
+  const bool kept = index < storedStrings_ && storedStrings_ - index <= kKeptStrings;
+  return kept ? TextOfBytes(strings_[index % kKeptStrings]) : std::string();
 }
 
 // The bytes of an attribute value as text.
 std::string BlockBuilder::TextOfBytes(const std::string &bytes) const {
-  if (deck_.servedAsUtf8 || AsciiPrefix(bytes) == bytes.size()) return RepairUtf8(bytes);
+  if (AsciiPrefix(bytes) == bytes.size()) return bytes;
+  if (deck_.servedAsUtf8) return RepairUtf8(bytes);
   std::string text;
   AppendHostCharset(text, bytes, charset_);
   return text;
@@ -636,43 +634,40 @@ std::uint32_t BlockBuilder::OpenReference() {
 
 void BlockBuilder::OpenLink(std::uint32_t number, const VwLinkRecord &record) {
   CloseRun();
-  openLink_ = {};
+  Link &link = links_.emplace_back();
+  link_ = static_cast<std::uint32_t>(links_.size() - 1);
   if (deck_.info.adapted) {
-    TakeLinkParts();
-  } else {
-    openLink_.number = number;
-    openLink_.target = WholeValue(reference_.target, "a", "href");
-    if ((record.flags & SO_LINK_HAS_TITLE) != 0 && !strings_.empty()) {
-      openLink_.title =
-          CleanText(AttributeText(firstString_ + static_cast<std::uint32_t>(strings_.size()) - 1));
-    }
+    TakeLinkParts(link);
+    return;
   }
-  linkOpen_ = true;
-  link_ = static_cast<std::uint32_t>(links_.size());
-  links_.push_back(openLink_);
+  link.number = number;
+  link.target = WholeValue(reference_.target, "a", "href");
+  if ((record.flags & SO_LINK_HAS_TITLE) != 0 && storedStrings_ != 0) {
+    link.title = CleanText(AttributeText(storedStrings_ - 1));
+  }
 }
 
 // What the served link stands for. Fields are not numbered, and a link that the adapter
 // had to interrupt keeps its number.
-void BlockBuilder::TakeLinkParts() {
+void BlockBuilder::TakeLinkParts(Link &link) {
   const DeckParts &parts = deck_.info.parts;
   const auto reference = ParseServedTarget(reference_.target);
   if (!reference) return;
   if (reference->kind == ServedKind::kField && reference->index < parts.fields.size()) {
-    openLink_.field = &parts.fields[reference->index];
+    link.field = &parts.fields[reference->index];
   } else if (reference->kind == ServedKind::kAction && reference->index < parts.actions.size()) {
-    openLink_.action = &parts.actions[reference->index];
-    openLink_.title = openLink_.action->title;
-    openLink_.target = openLink_.action->task.target;
-    if (openLink_.action != linkAction_) ++linkNumber_;
-    linkAction_ = openLink_.action;
-    openLink_.number = linkNumber_;
+    link.action = &parts.actions[reference->index];
+    link.actionIndex = reference->index;
+    link.title = link.action->title;
+    link.target = link.action->task.target;
+    if (link.action != linkAction_) ++linkNumber_;
+    linkAction_ = link.action;
+    link.number = linkNumber_;
   }
 }
 
 void BlockBuilder::CloseLink() {
   CloseRun();
-  linkOpen_ = false;
   link_ = kNone;
 }
 

@@ -5,6 +5,7 @@
 #ifndef VS_WML_HOST_BLOCK_BUILDER_H
 #define VS_WML_HOST_BLOCK_BUILDER_H
 
+#include <array>
 #include <cstdint>
 #include <exception>
 #include <span>
@@ -81,7 +82,7 @@ class BlockBuilder {
   std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t length);
   std::uint32_t OpenReference();
   void OpenLink(std::uint32_t number, const VwLinkRecord &record);
-  void TakeLinkParts();
+  void TakeLinkParts(Link &link);
   void CloseLink();
   void InsertGraphic(const GraphicRecord &graphic);
   void TakeImageParts(Image &image) const;
@@ -109,15 +110,13 @@ class BlockBuilder {
   std::vector<Image> images_;
   std::size_t runStart_ = 0;
   TextStyle style_;
-  std::uint32_t link_ = kNone;
+  std::uint32_t link_ = kNone;  ///< the open link, named again in every block it goes on in
   Alignment alignment_ = Alignment::kLeft;
   bool preformatted_ = false;
   bool newParagraph_ = true;    ///< the next line starts a paragraph
   std::size_t emptyLines_ = 0;  ///< lines not told yet: none are at the end of a paragraph
 
-  // The link that is open; it is named again in every block it goes on in.
-  Link openLink_;
-  bool linkOpen_ = false;
+  // What links and pictures stand for.
   const Action *linkAction_ = nullptr;  ///< of the last link of the card
   std::uint32_t linkNumber_ = 0;        ///< of the last link, in adapted documents
   std::size_t nextCard_ = 0;            ///< of the adapted document
@@ -142,9 +141,11 @@ class BlockBuilder {
   bool cardOpen_ = false;
   bool cardSeparated_ = true;  ///< the next colour comes from a card's start
 
-  // Strings that the filter stored, the newest last; it uses them at once.
-  std::vector<std::string> strings_;
-  std::uint32_t firstString_ = 0;
+  // The last strings that the filter stored, which uses them at once. An image takes three
+  // at most: two of its own and a link's title.
+  static constexpr std::uint32_t kKeptStrings = 4;
+  std::array<std::string, kKeptStrings> strings_;
+  std::uint32_t storedStrings_ = 0;  ///< the next one's index
   Reference reference_;
 };
 

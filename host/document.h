@@ -41,6 +41,7 @@ struct Link {
   std::string title;         ///< empty: none
   /// What following it does; null in a document that was not adapted.
   const Action *action = nullptr;
+  std::size_t actionIndex = kNoIndex;  ///< of the action in DeckParts::actions
   /// The field that stands here; the text is then what shows it, and there is no target.
   const Field *field = nullptr;
 };

@@ -251,9 +251,8 @@ class HtmlWriter : public BlockSink {
       return;
     }
     if (shape == LinkShape::kButton) {
-      const auto index = static_cast<std::size_t>(link.action - parts_->actions.data());
-      forms_.try_emplace(index, false);
-      out_ << "<button form=\"" << kFormId << index << '"';
+      forms_.try_emplace(link.actionIndex, false);
+      out_ << "<button form=\"" << kFormId << link.actionIndex << '"';
     } else {
       WriteLinkTag(link, shape);
     }

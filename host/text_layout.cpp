@@ -22,10 +22,12 @@ struct CloseText {
 // Whether lines of the text may break between characters, not only at blanks.
 bool HasWideCharacters(std::string_view text) {
   // The first wide characters have the lead byte 0xE1.
-  const auto wide = std::find_if(text.begin(), text.end(),
-                                 [](char c) { return static_cast<unsigned char>(c) >= 0xE1; });
-  for (auto offset = static_cast<std::size_t>(wide - text.begin()); offset < text.size();) {
-    if (ColumnWidth(NextCharacter(text, offset)) == 2) return true;
+  for (std::size_t offset = AsciiPrefix(text); offset < text.size();) {
+    if (static_cast<unsigned char>(text[offset]) < 0xE1) {
+      ++offset;
+    } else if (NextWidth(text, offset) == 2) {
+      return true;
+    }
   }
   return false;
 }
@@ -93,33 +95,47 @@ std::size_t WithoutBlanks(std::string_view text, std::size_t begin, std::size_t 
   return end;
 }
 
-// Where the first character stands that does not fit into `width` columns from `begin`
-// on; the end of the text when all do.
-std::size_t FitColumns(std::string_view text, std::size_t begin, std::size_t width) {
-  const std::size_t ascii = AsciiPrefix(text.substr(begin, width));
-  std::size_t offset = begin + ascii;
-  std::size_t columns = ascii;
-  while (offset < text.size()) {
-    std::size_t next = offset;
-    columns += static_cast<std::size_t>(ColumnWidth(NextCharacter(text, next)));
-    if (columns > width) break;
-    offset = next;
+// Measures parts of a text without line feeds.
+class Measure {
+ public:
+  explicit Measure(std::string_view text) : text_(text), ascii_(AsciiPrefix(text)) {}
+
+  std::size_t Columns(std::size_t begin, std::size_t end) const {
+    return end <= ascii_ ? end - begin : ColumnWidth(text_.substr(begin, end - begin));
   }
-  return offset;
-}
+
+  // Where the first character stands that does not fit into `width` columns from `begin`
+  // on; the end of the text when all do.
+  std::size_t Fit(std::size_t begin, std::size_t width) const {
+    std::size_t columns = std::min(width, ascii_ - std::min(ascii_, begin));
+    std::size_t offset = begin + columns;
+    while (offset < text_.size()) {
+      std::size_t next = offset;
+      columns += NextWidth(text_, next);
+      if (columns > width) break;
+      offset = next;
+    }
+    return offset;
+  }
+
+ private:
+  std::string_view text_;
+  std::size_t ascii_;  // characters at the start, each of which takes one column
+};
 
 // Appends the lines of a text without line feeds, which begins at `offset` of another.
 void BreakPlainLines(std::string_view text, std::size_t offset, std::size_t width,
                      LongWords longWords, std::vector<Line> &lines) {
   text = text.substr(0, WithoutBlanks(text, 0, text.size()));
+  const Measure measure(text);
   const auto add = [&](std::size_t begin, std::size_t end) {
-    lines.push_back({offset + begin, offset + end, ColumnWidth(text.substr(begin, end - begin))});
+    lines.push_back({offset + begin, offset + end, measure.Columns(begin, end)});
   };
-  std::size_t full = FitColumns(text, 0, width);
+  std::size_t full = measure.Fit(0, width);
   std::size_t begin = 0;
   if (full < text.size()) {
     BreakFinder finder(text);
-    for (; full < text.size(); full = FitColumns(text, begin, width)) {
+    for (; full < text.size(); full = measure.Fit(begin, width)) {
       std::size_t next = finder.Last(full);
       if (text[full] == ' ') {
         next = finder.SkipBlanks(full);
@@ -158,11 +174,12 @@ std::size_t WidestWord(std::string_view text) {
   for (std::size_t begin = 0; begin <= text.size();) {
     const std::size_t feed = std::min(text.find('\n', begin), text.size());
     const std::string_view line = text.substr(begin, feed - begin);
+    const Measure measure(line);
     BreakFinder finder(line);
     for (std::size_t word = 0; word < line.size();) {
       const std::size_t next = finder.Next(word);
       const std::size_t end = WithoutBlanks(line, word, next);
-      widest = std::max(widest, ColumnWidth(line.substr(word, end - word)));
+      widest = std::max(widest, measure.Columns(word, end));
       word = next;
     }
     begin = feed + 1;

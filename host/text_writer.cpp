@@ -107,13 +107,11 @@ class TextWriter : public BlockSink {
   void TakeTable(const Table &table) override;
 
   void EndCard() override {
-    if (pendingLinks_.empty()) return;
+    if (linkList_.empty()) return;
     blank_ = written_;
-    for (const Link &link : pendingLinks_) {
-      FlushBlank();
-      out_ << '[' << std::size_t{link.number} << "] " << LinkTargetText(link) << '\n';
-    }
-    pendingLinks_.clear();
+    FlushBlank();
+    out_ << linkList_;
+    linkList_.clear();
   }
 
   void EndDocument(const DeckInfo & /*deck*/) override {
@@ -227,7 +225,11 @@ class TextWriter : public BlockSink {
   void NoteLink(const Link &link) {
     if (link.number == listedLinks_) return;
     listedLinks_ = link.number;
-    pendingLinks_.push_back(link);
+    linkList_ += '[';
+    linkList_ += std::to_string(link.number);
+    linkList_ += "] ";
+    linkList_ += LinkTargetText(link);
+    linkList_ += '\n';
   }
 
   void FlushBlank() {
@@ -285,7 +287,7 @@ class TextWriter : public BlockSink {
   bool written_ = false;  ///< something stands above, so that a blank line separates
   bool blank_ = false;    ///< a blank line comes before the next line
   std::uint32_t listedLinks_ = 0;
-  std::vector<Link> pendingLinks_;
+  std::string linkList_;  ///< lines that follow the card
 
   // Buffers.
   FlatText flat_;

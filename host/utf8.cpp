@@ -12,6 +12,13 @@ namespace {
 constexpr std::uint64_t kHighBits = 0x8080808080808080U;
 constexpr char32_t kIllFormed = 0xFFFFFFFF;
 
+// Whether the eight bytes from `offset` on are ASCII.
+bool IsAsciiWord(std::string_view text, std::size_t offset) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, text.data() + offset, sizeof word);
+  return (word & kHighBits) == 0;
+}
+
 // What a lead byte says: how many bytes follow, and the range of the first of them,
 // which keeps out overlong forms, surrogates and what lies beyond U+10FFFF.
 struct Lead {
@@ -55,11 +62,11 @@ char32_t Decode(std::string_view text, std::size_t &offset) {
 
 std::size_t AsciiPrefix(std::string_view text) {
   std::size_t offset = 0;
-  while (offset + sizeof(std::uint64_t) <= text.size()) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + offset, sizeof word);
-    if ((word & kHighBits) != 0) break;
-    offset += sizeof word;
+  if (text.size() >= sizeof(std::uint64_t)) {
+    const std::size_t last = text.size() - sizeof(std::uint64_t);
+    while (offset < last && IsAsciiWord(text, offset)) offset += sizeof(std::uint64_t);
+    // The last word may overlap the one before.
+    if (offset >= last && IsAsciiWord(text, last)) return text.size();
   }
   while (offset < text.size() && static_cast<unsigned char>(text[offset]) < 0x80) ++offset;
   return offset;
@@ -143,7 +150,12 @@ std::string WithoutControls(std::string text) {
 
 int ColumnWidth(char32_t character) {
   if (character < 0x300) return character == 0xAD ? 0 : 1;
-  // Kana but for its combining marks, ideographs, Hangul: not worth a look-up.
+  // Not worth a look-up: Greek and Cyrillic but for its combining marks, punctuation and
+  // currencies; kana but for its combining marks, ideographs, Hangul.
+  if ((character >= 0x386 && character < 0x483) || (character >= 0x48A && character < 0x530) ||
+      (character >= 0x2010 && character < 0x2028) || (character >= 0x20A0 && character < 0x20C0)) {
+    return 1;
+  }
   if ((character >= 0x3041 && character <= 0x3096) || (character >= 0x30A1 && character < 0x3100) ||
       (character >= 0x4E00 && character < 0xA000) || (character >= 0xAC00 && character < 0xD7A4)) {
     return 2;
@@ -155,11 +167,17 @@ int ColumnWidth(char32_t character) {
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
 
+std::size_t NextWidth(std::string_view text, std::size_t &offset) {
+  if (static_cast<unsigned char>(text[offset]) < 0x80) {
+    ++offset;
+    return 1;
+  }
+  return static_cast<std::size_t>(ColumnWidth(NextCharacter(text, offset)));
+}
+
 std::size_t ColumnWidth(std::string_view text) {
   std::size_t columns = AsciiPrefix(text);
-  for (std::size_t offset = columns; offset < text.size();) {
-    columns += static_cast<std::size_t>(ColumnWidth(NextCharacter(text, offset)));
-  }
+  for (std::size_t offset = columns; offset < text.size();) columns += NextWidth(text, offset);
   return columns;
 }
 

@@ -37,6 +37,9 @@ char32_t NextCharacter(std::string_view text, std::size_t &offset);
 /// for combining marks and format characters, else 1.
 int ColumnWidth(char32_t character);
 
+/// Columns of the character at `offset`, which is moved behind it.
+std::size_t NextWidth(std::string_view text, std::size_t &offset);
+
 /// Columns of a text without line feeds.
 std::size_t ColumnWidth(std::string_view text);
 

@@ -392,7 +392,7 @@ void DeckAdapter::ConnectFields(const DeckCard &card) {
     Field &field = adapted_.parts.fields[index];
     fields.try_emplace(field.name, &field);
   }
-  std::vector<Action> &actions = adapted_.parts.actions;
+  std::deque<Action> &actions = adapted_.parts.actions;
   for (std::size_t index = cardAction_; index < actions.size(); ++index) {
     for (NameValue &pair : actions[index].task.postFields) {
       const auto found = fields.find(pair.variable);

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -112,7 +113,7 @@ struct Meta {
 
 struct DeckParts {
   std::vector<DeckCard> cards;
-  std::vector<Action> actions;
+  std::deque<Action> actions;
   std::vector<Field> fields;
   std::vector<std::string> fieldsets;  ///< titles
   std::vector<Picture> pictures;
