@@ -5,6 +5,7 @@
 #ifndef VS_WML_DATA_NAME_INDEX_H
 #define VS_WML_DATA_NAME_INDEX_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,16 +29,19 @@ struct NameIndex {
   uint64_t keys[slotCount];  // 0 in a free slot
   uint16_t values[slotCount];
 
+  // The multiplier is one that gives every tag and every attribute a slot of its own.
   static constexpr size_t SlotOf(uint64_t key) {
-    return static_cast<size_t>((key * 0x9E3779B97F4A7C15u) >> 32) % slotCount;
+    return static_cast<size_t>(key * 0x56E0C20B30C86EFBu >> (64 - std::countr_zero(slotCount)));
   }
 
   // The value of a key, 0 when it is not there.
   constexpr uint16_t Find(uint64_t key) const {
-    for (size_t slot = SlotOf(key); keys[slot] != 0; slot = (slot + 1) % slotCount) {
-      if (keys[slot] == key) return values[slot];
+    size_t slot = SlotOf(key);
+    while (keys[slot] != key) {
+      if (keys[slot] == 0) return 0;
+      slot = (slot + 1) % slotCount;
     }
-    return 0;
+    return values[slot];
   }
 
   constexpr void Add(uint64_t key, uint32_t value) {

@@ -454,3 +454,18 @@ constexpr NameIndex<64> TAG_INDEX = [] {
 }();
 constexpr NameIndex<128> ATTRIBUTE_INDEX = MakeIndex<128>(WmlInit.attributes);
 constexpr NameIndex<1024> ENTITY_INDEX = MakeIndex<1024>(WmlInit.entities);
+
+namespace {
+
+template <size_t slotCount>
+constexpr bool AllInTheirSlots(const NameIndex<slotCount> &index) {
+  for (size_t slot = 0; slot < slotCount; ++slot) {
+    const uint64_t key = index.keys[slot];
+    if (key != 0 && index.SlotOf(key) != slot) return false;
+  }
+  return true;
+}
+
+static_assert(AllInTheirSlots(TAG_INDEX) && AllInTheirSlots(ATTRIBUTE_INDEX));
+
+}  // namespace

@@ -34,9 +34,8 @@ void BeginParagraph(WmlProc *proc) {
 
 // Opens the row that a cell outside every row belongs to.
 void BeginImpliedRow(WmlProc *proc) {
-  ItemRecord row = {TAG_TR, 0, NO_INDEX, 0, 0};
-  ProcessBeginTag(&row, proc);
-  TagStackPush(&row, proc);
+  constexpr ItemRecord kRow = {TAG_TR, 0};
+  TagStackPush(kRow, ProcessBeginTag(kRow, proc), proc);
 }
 
 // True when a cell was begun.
@@ -49,16 +48,13 @@ bool BeginCell(WmlProc *proc) {
   return ProcessBeginCell(proc);
 }
 
-void SelectTagStyle(ItemRecord *item, WmlProc *proc) {
-  if (item->styleClass == 0) {
-    item->styleClass = static_cast<uint8_t>(WmlInit.tags[item->tagId].value >> 16);
-  }
-  StyleSelect(item, proc);
+uint8_t StyleClass(uint8_t tagId) {
+  return static_cast<uint8_t>(WmlInit.tags[tagId].value >> 16);
 }
 
 // Elements that act only inside a card.
-void BeginBodyElement(ItemRecord *item, WmlProc *proc) {
-  switch (item->tagId) {
+uint8_t BeginBodyElement(ItemRecord item, WmlProc *proc) {
+  switch (item.tagId) {
     case TAG_A:
       ProcessBeginAnchor(proc);
       break;
@@ -81,15 +77,14 @@ void BeginBodyElement(ItemRecord *item, WmlProc *proc) {
       ProcessBeginTable(item, proc);
       break;
     case TAG_TD:
-      if (BeginCell(proc)) SelectTagStyle(item, proc);
-      break;
+      return BeginCell(proc) ? StyleClass(TAG_TD) : uint8_t{0};
     case TAG_TR:
       ProcessBeginRow(proc);
       break;
     default:
-      if (TagClass(item->tagId) & TAGF_STYLE) SelectTagStyle(item, proc);
-      break;
+      return TagClass(item.tagId) & TAGF_STYLE ? StyleClass(item.tagId) : uint8_t{0};
   }
+  return 0;
 }
 
 bool InBody(const WmlProc *proc) {
@@ -98,8 +93,8 @@ bool InBody(const WmlProc *proc) {
 
 }  // namespace
 
-void ProcessBeginTag(ItemRecord *item, WmlProc *proc) {
-  switch (item->tagId) {
+uint8_t ProcessBeginTag(ItemRecord item, WmlProc *proc) {
+  switch (item.tagId) {
     case TAG_NONE:
       break;
     case TAG_HEAD:
@@ -112,19 +107,19 @@ void ProcessBeginTag(ItemRecord *item, WmlProc *proc) {
       BeginCard(proc);
       break;
     default:
-      if (InBody(proc)) BeginBodyElement(item, proc);
-      break;
+      return InBody(proc) ? BeginBodyElement(item, proc) : uint8_t{0};
   }
+  return 0;
 }
 
-void ProcessEndTag(const ItemRecord &item, WmlProc *proc) {
+void ProcessEndTag(uint8_t tagId, WmlProc *proc) {
   uint32_t &modeFlags = proc->save.modeFlags;
   if (modeFlags & MODE_IN_HEAD) {
-    if (item.tagId == TAG_HEAD) modeFlags &= ~MODE_IN_HEAD;
+    if (tagId == TAG_HEAD) modeFlags &= ~MODE_IN_HEAD;
     return;
   }
   if ((modeFlags & MODE_IN_WML) == 0) return;
-  switch (item.tagId) {
+  switch (tagId) {
     case TAG_A:
       ProcessEndAnchor(proc);
       break;

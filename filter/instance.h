@@ -27,6 +27,16 @@ inline constexpr uint16_t CS_AFTER_OPEN = 0x06;
 inline constexpr uint16_t CS_SINGLE_SHIFT = 0x20;    // back to docCharset after one character
 inline constexpr uint16_t CS_RESET_AT_BREAK = 0x40;  // back to docCharset at the next break
 
+// An open element on the tag stack.
+struct TagStackElem {
+  uint8_t tagId;        // of its begin tag
+  uint8_t itemFlags;    // of its begin tag
+  uint16_t styleIndex;  // item of styleArray, NO_INDEX = none
+  uint8_t styleClass;   // style template asked for, 0 = none
+  uint8_t reserved;     // 0
+};
+static_assert(sizeof(TagStackElem) == 6);
+
 // What VwGetData and VwSetData copy: all that a resumed read needs. Its bytes
 // may come from anywhere, so every reader of a field allows any value; paddings
 // are fields, so that no stray byte leaves the process. `open:` is the value
@@ -82,10 +92,11 @@ inline constexpr uint16_t TABLE_ALIGN_LEFT = 0x0100;
 inline constexpr uint16_t TABLE_ALIGN_RIGHT = 0x0200;
 inline constexpr uint16_t TABLE_ALIGN_CENTER = 0x0400;
 
-// A style that a template made of another one. Styles never change once stored.
-struct DerivedStyle {
-  uint16_t from;
-  uint16_t to;  // NO_INDEX = not known
+// What the templates made of the first styles; NO_INDEX = not known. Styles never change
+// once stored.
+inline constexpr uint16_t DERIVED_FROM_COUNT = 16;
+struct DerivedStyles {
+  uint16_t of[DERIVED_FROM_COUNT][STYLE_TEMPLATE_COUNT];  // [style][template]
 };
 
 // Widths of the characters 0..127 in one point size; 0 = none cached, which measures 0.
@@ -106,7 +117,7 @@ struct WmlProc {
   uint32_t cellShade[MAX_COLUMNS];                   // background of the current row's cells
   VwVarArray tableArray;                             // TableRecord
   VwVarArray styleArray;                             // StyleRecord, no two equal
-  DerivedStyle derivedStyles[STYLE_TEMPLATE_COUNT];  // the last one of each template
+  DerivedStyles derivedStyles;
   VwVarArray typefaceArray;                          // names of TYPEFACE_NAME_SIZE bytes
   AsciiWidths asciiWidths;
   char *attrScratch;           // attribute values, during a read

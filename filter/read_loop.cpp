@@ -91,34 +91,27 @@ void PutEntity(uint16_t value, const char *text, WmlProc *proc) {
   PutReferenceValue(value, text, proc);
 }
 
-void HandleTag(ItemRecord *item, WmlProc *proc) {
-  TagStackCheck(item, proc);
-  if (item->itemFlags & ITEM_BEGIN) {
-    ProcessBeginTag(item, proc);
-    TagStackPush(item, proc);
+void HandleTag(ItemRecord item, WmlProc *proc) {
+  item.tagId = TagStackCheck(item, proc);
+  if (item.itemFlags & ITEM_BEGIN) {
+    TagStackPush(item, ProcessBeginTag(item, proc), proc);
   } else {
-    if (item->tagId != TAG_TABLE) ProcessEndTag(*item, proc);
-    TagStackPop(item, proc);
+    if (item.tagId != TAG_TABLE) ProcessEndTag(item.tagId, proc);
+    TagStackPop(item.tagId, proc);
   }
 }
 
-void HandleItem(ItemRecord *item, uint16_t ch, const char *text, WmlProc *proc) {
+void HandleItem(const ItemRecord &item, uint16_t ch, const char *text, WmlProc *proc) {
   constexpr uint8_t kText = ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF;
-  if ((item->itemFlags & kText) == 0) {
-    if (item->tagId != TAG_NONE) HandleTag(item, proc);
-  } else if (item->itemFlags & ITEM_CHAR) {
-    PutChar(ch, *item, proc);
-  } else if (item->itemFlags & ITEM_ENTITY) {
+  if ((item.itemFlags & kText) == 0) {
+    if (item.tagId != TAG_NONE) HandleTag(item, proc);
+  } else if (item.itemFlags & ITEM_CHAR) {
+    PutChar(ch, item, proc);
+  } else if (item.itemFlags & ITEM_ENTITY) {
     PutEntity(ch, text, proc);
   } else {
     PutReferenceValue(ConvertVarString(text), text, proc);
   }
-}
-
-void PushBaseElement(WmlProc *proc) {
-  ItemRecord base = {TAG_NONE, 0, NO_INDEX, 0, 0};
-  base.styleIndex = StyleStore(BaseStyle(proc), proc);
-  if (base.styleIndex != NO_INDEX) TagStackPush(&base, proc);
 }
 
 // The state at the start of a read, which a save block may have brought.
@@ -131,19 +124,18 @@ void Resume(WmlProc *proc) {
 void ReadItems(char *text, WmlProc *proc) {
   Resume(proc);
   if (proc->save.tagStackTop == -1) {
-    PushBaseElement(proc);
+    TagStackPushBase(proc);
   } else {
     StyleUpdate(proc);
   }
   SOSwitchCharset(MapCSToSO(proc->save.curCharset), proc);
   if (proc->input == nullptr) proc->stopFlags |= STOP_END_OF_INPUT;
   TextRun run = MakeTextRun(proc);
-  ItemRecord item;
   uint16_t ch;
   while (proc->stopFlags == 0) {
     if (*proc->input->next != '<') SendTextRun(&run, proc);
-    ReadNextItem(&item, &ch, text, proc);
-    if (proc->stopFlags == 0) HandleItem(&item, ch, text, proc);
+    const ItemRecord item = ReadNextItem(&ch, text, proc);
+    if (proc->stopFlags == 0) HandleItem(item, ch, text, proc);
   }
 }
 

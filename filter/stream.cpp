@@ -72,7 +72,7 @@ void CreateStorage(WmlProc *proc) {
   VACreate(sizeof(StyleRecord), kStyleGrowth, &proc->styleArray);
   VACreate(TYPEFACE_NAME_SIZE, kTypefaceGrowth, &proc->typefaceArray);
   proc->tablesAscend = true;
-  for (DerivedStyle &derived : proc->derivedStyles) derived = {NO_INDEX, NO_INDEX};
+  std::memset(&proc->derivedStyles, 0xFF, sizeof proc->derivedStyles);
 }
 
 // The charset fields are set once the identity is known.

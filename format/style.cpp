@@ -100,27 +100,23 @@ uint16_t DeriveStyle(uint16_t current, uint8_t styleClass, WmlProc *proc) {
   return StyleStore(style, proc);
 }
 
-// What a template made of the current style once, it makes of it again, unless it takes
-// its alignment from the tag.
-void RememberDerived(uint16_t from, uint16_t to, uint8_t styleClass, WmlProc *proc) {
-  if (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) return;
-  proc->derivedStyles[styleClass] = {from, to};
+// Where to keep what a template makes of a stored style; null when it is not kept, as with
+// a template that takes its alignment from the tag.
+uint16_t *DerivedIndex(uint16_t from, uint8_t styleClass, WmlProc *proc) {
+  if (from >= DERIVED_FROM_COUNT || from >= proc->styleArray.count) return nullptr;
+  if (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) return nullptr;
+  return &proc->derivedStyles.of[from][styleClass];
 }
 
 }  // namespace
 
-void StyleSelect(ItemRecord *item, WmlProc *proc) {
-  const uint8_t styleClass = item->styleClass;
-  item->styleIndex = NO_INDEX;
-  if (styleClass == 0 || styleClass >= STYLE_TEMPLATE_COUNT) return;
+uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc) {
+  if (styleClass == 0 || styleClass >= STYLE_TEMPLATE_COUNT) return NO_INDEX;
   const uint16_t current = TagStackTop(proc).styleIndex;
-  const DerivedStyle &known = proc->derivedStyles[styleClass];
-  if (known.from == current && known.to != NO_INDEX) {
-    item->styleIndex = known.to;
-    return;
-  }
-  item->styleIndex = DeriveStyle(current, styleClass, proc);
-  RememberDerived(current, item->styleIndex, styleClass, proc);
+  uint16_t *known = DerivedIndex(current, styleClass, proc);
+  if (known == nullptr) return DeriveStyle(current, styleClass, proc);
+  if (*known == NO_INDEX) *known = DeriveStyle(current, styleClass, proc);
+  return *known;
 }
 
 namespace {

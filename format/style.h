@@ -23,9 +23,9 @@ inline const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc) {
 // tag reads the `align` attribute of the tag being processed.
 void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *proc);
 
-// Sets the item's styleIndex: the current style with the template styleClass applied,
-// NO_INDEX for a styleClass without a template.
-void StyleSelect(ItemRecord *item, WmlProc *proc);
+// The index of the current style with a template applied, NO_INDEX for a styleClass
+// without a template.
+uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc);
 
 // Sends the host what differs between two styles, or everything when `from` is null.
 void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc);

@@ -9,12 +9,15 @@ void SendStyleChange(uint16_t from, uint16_t to, WmlProc *proc) {
   if (from != to) StyleDelta(StyleRetrieve(from, proc), StyleRetrieve(to, proc), proc);
 }
 
-// Pops the top element, unless it is the base element, and sends the difference of styles.
-TagStackElem PopTop(WmlProc *proc) {
-  const TagStackElem popped = TagStackTop(proc);
+// Pops the top element, unless it is the base element, and sends the difference of
+// styles. The element's tag.
+uint8_t PopTop(WmlProc *proc) {
+  const TagStackElem &popped = TagStackTop(proc);
+  const uint8_t tagId = popped.tagId;
+  const uint16_t styleIndex = popped.styleIndex;
   if (proc->save.tagStackTop > 0) --proc->save.tagStackTop;
-  SendStyleChange(popped.styleIndex, TagStackTop(proc).styleIndex, proc);
-  return popped;
+  SendStyleChange(styleIndex, TagStackTop(proc).styleIndex, proc);
+  return tagId;
 }
 
 // Takes a cell or a row out of the stack; their ends do nothing else. Styles are neither
@@ -55,60 +58,62 @@ int16_t FindElement(uint8_t tagId, const WmlProc *proc) {
   return i;
 }
 
-void CheckEndTag(ItemRecord *item, WmlProc *proc) {
-  const uint32_t tagClass = TagClass(item->tagId);
+uint8_t CheckEndTag(uint8_t tagId, WmlProc *proc) {
+  const uint32_t tagClass = TagClass(tagId);
   if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
-    const int16_t index = FindElement(item->tagId, proc);
-    if (index < 0) {
-      item->tagId = TAG_NONE;
-    } else {
-      TagStackCloseTo(index, proc);
-    }
-  } else if ((tagClass & TAGF_MATCH_TOP) == 0 || TagStackTop(proc).tagId != item->tagId) {
-    item->tagId = TAG_NONE;
+    const int16_t index = FindElement(tagId, proc);
+    if (index < 0) return TAG_NONE;
+    TagStackCloseTo(index, proc);
+    return tagId;
   }
+  const bool closesTop = (tagClass & TAGF_MATCH_TOP) && TagStackTop(proc).tagId == tagId;
+  return closesTop ? tagId : uint8_t{TAG_NONE};
 }
 
 }  // namespace
 
-int16_t TagStackPush(ItemRecord *item, WmlProc *proc) {
+void TagStackPushBase(WmlProc *proc) {
+  TagStackElem base = NO_ELEMENT;
+  base.styleIndex = StyleStore(BaseStyle(proc), proc);
+  if (base.styleIndex == NO_INDEX) return;
+  proc->save.tagStackTop = 0;
+  proc->save.tagStack[0] = base;
+  StyleUpdate(proc);
+}
+
+void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
   WmlSave &save = proc->save;
-  if (save.tagStackTop >= TAG_STACK_SIZE - 1) return -1;
   const uint16_t current = TagStackTop(proc).styleIndex;
-  if (item->styleIndex == NO_INDEX) item->styleIndex = current;
-  if (item->tagId < TAG_COUNT && (TagClass(item->tagId) & TAGF_EMPTY) == 0) {
-    save.tagStack[++save.tagStackTop] = *item;
+  uint16_t styleIndex = StyleSelect(styleClass, proc);
+  if (styleIndex == NO_INDEX) styleIndex = current;
+  if (save.tagStackTop >= TAG_STACK_SIZE - 1) return;
+  if ((TagClass(item.tagId) & TAGF_EMPTY) == 0) {
+    save.tagStack[++save.tagStackTop] = {item.tagId, item.itemFlags, styleIndex, styleClass, 0};
   }
-  SendStyleChange(current, item->styleIndex, proc);
-  return save.tagStackTop;
+  SendStyleChange(current, styleIndex, proc);
 }
 
-int16_t TagStackPop(ItemRecord *item, WmlProc *proc) {
-  if (TagStackTop(proc).tagId != item->tagId) return -1;
-  *item = PopTop(proc);
-  return proc->save.tagStackTop;
+void TagStackPop(uint8_t tagId, WmlProc *proc) {
+  if (TagStackTop(proc).tagId == tagId) PopTop(proc);
 }
 
-void TagStackCheck(ItemRecord *item, WmlProc *proc) {
-  if (item->tagId >= TAG_COUNT) {
-    item->tagId = TAG_NONE;
-  } else if (TagClass(item->tagId) & TAGF_TABLE_PART) {
-    if ((proc->save.modeFlags & MODE_IN_TABLE) == 0) return;
-    if (item->tagId == TAG_TD) {
+uint8_t TagStackCheck(ItemRecord item, WmlProc *proc) {
+  if (item.tagId >= TAG_COUNT) return TAG_NONE;
+  if (TagClass(item.tagId) & TAGF_TABLE_PART) {
+    if ((proc->save.modeFlags & MODE_IN_TABLE) == 0) return item.tagId;
+    if (item.tagId == TAG_TD) {
       CloseCell(proc);
     } else {
       CloseRows(proc);
     }
-  } else if (item->itemFlags & ITEM_END) {
-    CheckEndTag(item, proc);
+  } else if (item.itemFlags & ITEM_END) {
+    return CheckEndTag(item.tagId, proc);
   }
+  return item.tagId;
 }
 
 void TagStackCloseTo(int16_t index, WmlProc *proc) {
-  for (int16_t i = proc->save.tagStackTop; i >= index; --i) {
-    const TagStackElem element = PopTop(proc);
-    ProcessEndTag(element, proc);
-  }
+  for (int16_t i = proc->save.tagStackTop; i >= index; --i) ProcessEndTag(PopTop(proc), proc);
 }
 
 bool TagStackHolds(uint8_t tagId, const WmlProc *proc) {

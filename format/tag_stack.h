@@ -25,18 +25,21 @@ inline const TagStackElem &TagStackTop(const WmlProc *proc) {
              : NO_ELEMENT;
 }
 
-// Pushes an item, which takes the current style if it has none, and sends the
-// difference of styles; an empty element only sends it. The index of the top, -1 when
-// the stack is full: then nothing happens.
-int16_t TagStackPush(ItemRecord *item, WmlProc *proc);
+// Pushes the base element on the empty stack and sends the whole of its style; nothing
+// happens when the style cannot be stored.
+void TagStackPushBase(WmlProc *proc);
 
-// Pops the top element into the item if it has the item's tag, and sends the
-// difference of styles; -1 when it has not.
-int16_t TagStackPop(ItemRecord *item, WmlProc *proc);
+// Pushes the element of a begin tag in the style that the template styleClass makes of the
+// current one, or in the current one, and sends the difference of styles; an empty element
+// only sends it. Nothing happens when the stack is full.
+void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc);
 
-// Repairs the stack before a tag is handled: closes what the tag closes without
-// saying so, and drops stray end tags by making the item a TAG_NONE.
-void TagStackCheck(ItemRecord *item, WmlProc *proc);
+// Pops the top element if it has that tag, and sends the difference of styles.
+void TagStackPop(uint8_t tagId, WmlProc *proc);
+
+// Repairs the stack before a tag is handled: closes what the tag closes without saying
+// so. The tag to handle, TAG_NONE for a stray end tag.
+uint8_t TagStackCheck(ItemRecord item, WmlProc *proc);
 
 // Closes every element from the top down to `index`: pops it, then handles its end.
 void TagStackCloseTo(int16_t index, WmlProc *proc);

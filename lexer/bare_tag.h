@@ -8,34 +8,40 @@
 #include "filter/instance.h"
 #include "lexer/name_key.h"
 
-// The length of the name in front of the first '>' among the next eight bytes, at least
-// NAME_KEY_MAX when there is none. Each byte that is a '>' becomes a zero, and the lowest
-// zero byte is found by its borrow.
-inline size_t BareNameLength(uint64_t bytes) {
-  constexpr uint64_t kOnes = 0x0101010101010101u;
-  const uint64_t differs = bytes ^ (kOnes * '>');
-  const uint64_t zeros = (differs - kOnes) & ~differs & (kOnes << 7);
-  return static_cast<size_t>(std::countr_zero(zeros)) / 8;
+inline constexpr uint64_t kEachByte = 0x0101010101010101u;
+
+// The bytes of a word in front of its first '>' as a mask; 0 also when there is no '>'.
+// Each byte that is a '>' becomes a zero, and the lowest zero byte is found by its borrow.
+inline uint64_t MaskBeforeTagEnd(uint64_t bytes) {
+  const uint64_t differs = bytes ^ (kEachByte * '>');
+  const uint64_t zeros = (differs - kEachByte) & ~differs & (kEachByte << 7);
+  return zeros != 0 ? (zeros ^ (zeros - 1)) >> 8 : 0;
 }
 
-// Reads such a tag at the input, its '<' included; false, with the input where it was,
-// for anything else. The end of the buffer reads as a NUL, which no name holds.
-inline bool ScanBareTag(ItemRecord *item, WmlProc *proc) {
+// Reads such a tag at the input, its '<' included, or one that also has a '/' behind its
+// name. The item's tagId is TAG_NONE, and the input where it was, for anything else. The
+// end of the buffer reads as a NUL, which no name holds.
+inline ItemRecord ScanBareTag(WmlProc *proc) {
   VwCharBuffer *input = proc->input;
   const uint8_t *at = input->next;
-  if (*at != '<' || proc->save.curCharset == CHARSET_JIS_X0208) return false;
-  ++at;
-  const bool isEnd = *at == '/';
-  at += isEnd;
-  const size_t length = BareNameLength(LoadNameKey(at, NAME_KEY_MAX));
-  if (length >= NAME_KEY_MAX) return false;
-  const auto tagId = static_cast<uint8_t>(TAG_INDEX.Find(LoadLowerNameKey(at, length)));
-  if (tagId == TAG_NONE || tagId == TAG_META) return false;
-  item->tagId = tagId;
-  item->itemFlags = isEnd ? ITEM_END : 0;
+  if (*at != '<' || proc->save.curCharset == CHARSET_JIS_X0208) return {};
+  uint64_t bytes = LoadNameKey(++at, NAME_KEY_MAX);
+  const bool isEnd = (bytes & 0xFF) == '/';
+  bytes >>= isEnd * 8;
+  const uint64_t mask = MaskBeforeTagEnd(bytes);
+  const uint64_t name = LowerNameKey(bytes) & mask;
+  uint8_t itemFlags = isEnd ? ITEM_END : 0;
+  auto tagId = static_cast<uint8_t>(TAG_INDEX.Find(name));
+  if (tagId == TAG_NONE) {
+    const uint64_t lastByte = mask & ~(mask >> 8);
+    if ((bytes & lastByte) != (kEachByte * '/' & lastByte)) return {};
+    itemFlags |= ITEM_EMPTY;
+    tagId = static_cast<uint8_t>(TAG_INDEX.Find(name & ~lastByte));
+  }
+  if (tagId == TAG_NONE || tagId == TAG_META) return {};
   proc->attrCount = 0;
-  input->next = at + length + 1;
-  return true;
+  input->next = at + isEnd + std::countr_one(mask) / 8 + 1;
+  return {tagId, itemFlags};
 }
 
 #endif  // VS_WML_LEXER_BARE_TAG_H

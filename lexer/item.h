@@ -14,16 +14,9 @@ inline constexpr uint8_t ITEM_NUMREF = 0x20;  // a numeric reference: its digits
 // A `meta` begin tag: taken as the character 0, which writes nothing.
 inline constexpr uint8_t ITEM_META = ITEM_CHAR | ITEM_BEGIN | ITEM_END;
 
-// The tag stack holds the items of the open elements.
-struct TagStackElem {
-  uint8_t tagId;        // TagId; 0 = no tag or an unknown one
-  uint8_t itemFlags;    // ITEM_ bits
-  uint16_t styleIndex;  // item of styleArray, NO_INDEX = none
-  uint8_t styleClass;   // style template asked for, 0 = none
-  uint8_t reserved;     // 0
+struct ItemRecord {
+  uint8_t tagId;      // TagId; 0 = no tag or an unknown one
+  uint8_t itemFlags;  // ITEM_ bits
 };
-static_assert(sizeof(TagStackElem) == 6);
-
-using ItemRecord = TagStackElem;
 
 #endif  // VS_WML_LEXER_ITEM_H

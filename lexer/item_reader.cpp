@@ -30,8 +30,7 @@ void ReadSlash(ItemRecord *item, uint16_t *ch, WmlProc *proc) {
   }
   const TagStackElem &top = TagStackTop(proc);
   if ((top.itemFlags & ITEM_EMPTY) == 0) return;
-  *item = top;
-  item->itemFlags = static_cast<uint8_t>((top.itemFlags | ITEM_END) & ~ITEM_BEGIN);
+  *item = {top.tagId, static_cast<uint8_t>((top.itemFlags | ITEM_END) & ~ITEM_BEGIN)};
   WMLGetChar(proc);
 }
 
@@ -53,26 +52,28 @@ void ReadAmpersand(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
 
 }  // namespace
 
-void ReadItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
+ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc) {
+  ItemRecord item = {};
   const uint16_t c = GetChar(proc);
   switch (c) {
     case CHAR_END:
       break;
     case '<':
       if (proc->save.modeFlags & MODE_LITERAL) break;
-      if (!ReadTag(item, proc)) SetChar('<', item, ch);
+      if (!ReadTag(&item, proc)) SetChar('<', &item, ch);
       break;
     case '$':
-      ReadDollar(item, ch, proc);
+      ReadDollar(&item, ch, proc);
       break;
     case '/':
-      ReadSlash(item, ch, proc);
+      ReadSlash(&item, ch, proc);
       break;
     case '&':
-      ReadAmpersand(item, ch, text, proc);
+      ReadAmpersand(&item, ch, text, proc);
       break;
     default:
-      SetChar(c, item, ch);
+      SetChar(c, &item, ch);
       break;
   }
+  return item;
 }

@@ -12,24 +12,23 @@
 // Capacity of an item's text, without its NUL.
 inline constexpr uint16_t ITEM_TEXT_MAX = SCRATCH_TEXT_SIZE - 1;
 
-// Reads an item that is no bare tag; item, ch and text are empty.
-void ReadItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc);
+// Reads an item that is no bare tag; ch and text are empty.
+ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc);
 
 // Reads the next item. `ch` gets the character of an ITEM_CHAR item or the value of
 // an ITEM_ENTITY item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes, the source of an
 // ITEM_ENTITY item or the digits of an ITEM_NUMREF item, else nothing. A tag leaves
 // its attributes in attrList. What cannot be read as markup comes back as characters
 // or as a tag that is TAG_NONE; at the end of the input the item is empty.
-inline void ReadNextItem(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
-  *item = {TAG_NONE, 0, NO_INDEX, 0, 0};
+inline ItemRecord ReadNextItem(uint16_t *ch, char *text, WmlProc *proc) {
   *ch = 0;
   text[0] = 0;
-  if (ReadingStopped(proc)) return;
-  if ((proc->save.modeFlags & MODE_LITERAL) == 0 && ScanBareTag(item, proc)) {
-    FinishTag(item, proc);
-  } else {
-    ReadItem(item, ch, text, proc);
-  }
+  if (ReadingStopped(proc)) return {};
+  ItemRecord item = {};
+  if ((proc->save.modeFlags & MODE_LITERAL) == 0) item = ScanBareTag(proc);
+  if (item.tagId == TAG_NONE) return ReadItem(ch, text, proc);
+  FinishTag(&item, proc);
+  return item;
 }
 
 #endif  // VS_WML_LEXER_ITEM_READER_H

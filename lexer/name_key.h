@@ -17,12 +17,16 @@ inline uint64_t LoadNameKey(const uint8_t *bytes, size_t length) {
   return length < NAME_KEY_MAX ? key & ((uint64_t{1} << 8 * length) - 1) : key;
 }
 
-// The key of a name of ASCII letters, digits, '-' and ':' with its letters lowered: no
-// other byte above 0x1F becomes one of these by the bit that lowers a letter.
+// The key of eight bytes with the letters lowered: no byte above 0x1F becomes an ASCII
+// letter, a digit, '-' or ':' by the bit that lowers a letter but the letter itself.
+inline uint64_t LowerNameKey(uint64_t key) {
+  return key | 0x2020202020202020u;
+}
+
+// The first `length` bytes as a name key with its letters lowered.
 inline uint64_t LoadLowerNameKey(const uint8_t *bytes, size_t length) {
-  constexpr uint64_t kLower = 0x2020202020202020u;
-  const uint64_t key = LoadNameKey(bytes, length);
-  return length < NAME_KEY_MAX ? key | (kLower & ((uint64_t{1} << 8 * length) - 1)) : key | kLower;
+  const uint64_t key = LowerNameKey(LoadNameKey(bytes, NAME_KEY_MAX));
+  return length < NAME_KEY_MAX ? key & ((uint64_t{1} << 8 * length) - 1) : key;
 }
 
 #endif  // VS_WML_LEXER_NAME_KEY_H

@@ -93,9 +93,9 @@ void OpenTable(WmlProc *proc) {
 
 }  // namespace
 
-void ProcessBeginTable(ItemRecord *item, WmlProc *proc) {
+void ProcessBeginTable(ItemRecord item, WmlProc *proc) {
   if (proc->save.modeFlags & MODE_IN_TABLE) {
-    TagStackPush(item, proc);
+    TagStackPush(item, 0, proc);
     return;
   }
   OpenTable(proc);

@@ -6,7 +6,7 @@
 
 // `table`: measures it and opens it. Inside an open table the element is only pushed,
 // and its rows and cells act on the table that is open.
-void ProcessBeginTable(ItemRecord *item, WmlProc *proc);
+void ProcessBeginTable(ItemRecord item, WmlProc *proc);
 
 // `tr`: from the second one on, ends the row before it.
 void ProcessBeginRow(WmlProc *proc);

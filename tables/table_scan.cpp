@@ -256,11 +256,10 @@ bool IsTableEnd(const ItemRecord &item) {
 // Measures up to the first `table` end tag, also when it closes a nested table, or the
 // end of the input.
 void ScanCells(TableScan *scan) {
-  ItemRecord item;
   uint16_t ch;
   for (;;) {
     MeasureRun(scan);
-    ReadNextItem(&item, &ch, scan->text, scan->proc);
+    const ItemRecord item = ReadNextItem(&ch, scan->text, scan->proc);
     if (ReadingStopped(scan->proc)) return;
     if (item.itemFlags & ITEM_CHAR) {
       MeasureChar(ch, scan);
@@ -301,7 +300,7 @@ void SkipTable(char *text, WmlProc *proc) {
   ItemRecord item;
   uint16_t ch;
   do {
-    ReadNextItem(&item, &ch, text, proc);
+    item = ReadNextItem(&ch, text, proc);
   } while (!IsTableEnd(item) && proc->stopFlags == 0);
 }
 
