@@ -91,7 +91,7 @@ void PutEntity(uint16_t value, const char *text, WmlProc *proc) {
   PutReferenceValue(value, text, proc);
 }
 
-void HandleTag(ItemRecord item, WmlProc *proc) {
+[[gnu::noinline]] void HandleTag(ItemRecord item, WmlProc *proc) {
   item.tagId = TagStackCheck(item, proc);
   if (item.itemFlags & ITEM_BEGIN) {
     TagStackPush(item, ProcessBeginTag(item, proc), proc);
@@ -101,11 +101,8 @@ void HandleTag(ItemRecord item, WmlProc *proc) {
   }
 }
 
-void HandleItem(const ItemRecord &item, uint16_t ch, const char *text, WmlProc *proc) {
-  constexpr uint8_t kText = ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF;
-  if ((item.itemFlags & kText) == 0) {
-    if (item.tagId != TAG_NONE) HandleTag(item, proc);
-  } else if (item.itemFlags & ITEM_CHAR) {
+[[gnu::noinline]] void HandleText(ItemRecord item, uint16_t ch, const char *text, WmlProc *proc) {
+  if (item.itemFlags & ITEM_CHAR) {
     PutChar(ch, item, proc);
   } else if (item.itemFlags & ITEM_ENTITY) {
     PutEntity(ch, text, proc);
@@ -133,9 +130,14 @@ void ReadItems(char *text, WmlProc *proc) {
   TextRun run = MakeTextRun(proc);
   uint16_t ch;
   while (proc->stopFlags == 0) {
-    if (*proc->input->next != '<') SendTextRun(&run, proc);
-    const ItemRecord item = ReadNextItem(&ch, text, proc);
-    if (proc->stopFlags == 0) HandleItem(item, ch, text, proc);
+    const uint8_t *next = SendTextRun(&run, proc);
+    const ItemRecord item = ReadNextItem(next, &ch, text, proc);
+    if (proc->stopFlags != 0) break;
+    if (item.itemFlags & (ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF)) {
+      HandleText(item, ch, text, proc);
+    } else if (item.tagId != TAG_NONE) {
+      HandleTag(item, proc);
+    }
   }
 }
 

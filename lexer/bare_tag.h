@@ -18,12 +18,10 @@ inline uint64_t MaskBeforeTagEnd(uint64_t bytes) {
   return zeros != 0 ? (zeros ^ (zeros - 1)) >> 8 : 0;
 }
 
-// Reads such a tag at the input, its '<' included, or one that also has a '/' behind its
+// Reads such a tag at the input's next byte, its '<' included, or one that also has a '/' behind its
 // name. The item's tagId is TAG_NONE, and the input where it was, for anything else. The
 // end of the buffer reads as a NUL, which no name holds.
-inline ItemRecord ScanBareTag(WmlProc *proc) {
-  VwCharBuffer *input = proc->input;
-  const uint8_t *at = input->next;
+inline ItemRecord ScanBareTag(const uint8_t *at, WmlProc *proc) {
   if (*at != '<' || proc->save.curCharset == CHARSET_JIS_X0208) return {};
   uint64_t bytes = LoadNameKey(++at, NAME_KEY_MAX);
   const bool isEnd = (bytes & 0xFF) == '/';
@@ -40,7 +38,7 @@ inline ItemRecord ScanBareTag(WmlProc *proc) {
   }
   if (tagId == TAG_NONE || tagId == TAG_META) return {};
   proc->attrCount = 0;
-  input->next = at + isEnd + std::countr_one(mask) / 8 + 1;
+  proc->input->next = at + isEnd + std::countr_one(mask) / 8 + 1;
   return {tagId, itemFlags};
 }
 

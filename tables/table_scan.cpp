@@ -173,19 +173,21 @@ const uint8_t *MeasurePlain(const uint8_t *at, ColumnExtent *column, TableScan *
 }
 
 // Measures the plain characters at the input without making items of them; outside
-// cells, and in cells beyond the columns, there is nothing to measure.
-void MeasureRun(TableScan *scan) {
-  if (scan->proc->save.curCharset == CHARSET_JIS_X0208) return;
+// cells, and in cells beyond the columns, there is nothing to measure. The place of the
+// next byte.
+const uint8_t *MeasureRun(TableScan *scan) {
   VwCharBuffer *input = scan->proc->input;
-  ColumnExtent *column = CurrentColumn(scan);
   const uint8_t *at = input->next;
+  if (scan->proc->save.curCharset == CHARSET_JIS_X0208) return at;
+  ColumnExtent *column = CurrentColumn(scan);
   if (scan->inCell && column != nullptr) {
-    if (scan->lineWidth > kLineFar) return;
-    input->next = MeasurePlain(at, column, scan);
+    if (scan->lineWidth > kLineFar) return at;
+    at = MeasurePlain(at, column, scan);
   } else {
     while (kBytes.of[*at] != OTHER) ++at;
-    input->next = at;
   }
+  input->next = at;
+  return at;
 }
 
 void EndLine(TableScan *scan) {
@@ -258,8 +260,8 @@ bool IsTableEnd(const ItemRecord &item) {
 void ScanCells(TableScan *scan) {
   uint16_t ch;
   for (;;) {
-    MeasureRun(scan);
-    const ItemRecord item = ReadNextItem(&ch, scan->text, scan->proc);
+    const uint8_t *next = MeasureRun(scan);
+    const ItemRecord item = ReadNextItem(next, &ch, scan->text, scan->proc);
     if (ReadingStopped(scan->proc)) return;
     if (item.itemFlags & ITEM_CHAR) {
       MeasureChar(ch, scan);
@@ -300,7 +302,7 @@ void SkipTable(char *text, WmlProc *proc) {
   ItemRecord item;
   uint16_t ch;
   do {
-    item = ReadNextItem(&ch, text, proc);
+    item = ReadNextItem(proc->input->next, &ch, text, proc);
   } while (!IsTableEnd(item) && proc->stopFlags == 0);
 }
 
