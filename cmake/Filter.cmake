@@ -23,6 +23,7 @@ set(VS_WML_SOURCES
     lexer/tag_scan.cpp
     lexer/word_reader.cpp
     support/heap.cpp
+    tables/cell_widths.cpp
     tables/column_widths.cpp
     tables/table_output.cpp
     tables/table_scan.cpp)

@@ -57,4 +57,10 @@ extern const NameIndex<64> TAG_INDEX;         // lower-case name to TagId
 extern const NameIndex<128> ATTRIBUTE_INDEX;  // lower-case name to AttributeId
 extern const NameIndex<1024> ENTITY_INDEX;    // name to UTF-16 unit
 
+// The class bits of the tags by themselves, close together.
+struct TagClasses {
+  uint8_t of[TAG_COUNT];
+};
+extern const TagClasses TAG_CLASSES;
+
 #endif  // VS_WML_DATA_NAME_INDEX_H

@@ -452,6 +452,13 @@ constexpr NameIndex<64> TAG_INDEX = [] {
   for (uint16_t &value : index.values) value &= 0xFF;
   return index;
 }();
+constexpr TagClasses TAG_CLASSES = [] {
+  TagClasses classes = {};
+  for (int id = 0; id < TAG_COUNT; ++id) {
+    classes.of[id] = static_cast<uint8_t>(WmlInit.tags[id].value >> 8);
+  }
+  return classes;
+}();
 constexpr NameIndex<128> ATTRIBUTE_INDEX = MakeIndex<128>(WmlInit.attributes);
 constexpr NameIndex<1024> ENTITY_INDEX = MakeIndex<1024>(WmlInit.entities);
 

@@ -8,8 +8,7 @@
 // element takes, 0 for none.
 uint8_t ProcessBeginTag(ItemRecord item, WmlProc *proc);
 
-// Handles an end tag, or an open element that is being closed. Except for `table`, a
-// second call for an element that is closed changes nothing.
+// Handles the end of an element.
 void ProcessEndTag(uint8_t tagId, WmlProc *proc);
 
 #endif  // VS_WML_ELEMENTS_TAG_PROCESSING_H

@@ -92,17 +92,19 @@ inline constexpr uint16_t TABLE_ALIGN_LEFT = 0x0100;
 inline constexpr uint16_t TABLE_ALIGN_RIGHT = 0x0200;
 inline constexpr uint16_t TABLE_ALIGN_CENTER = 0x0400;
 
-// What the templates made of the first styles; NO_INDEX = not known. Styles never change
-// once stored.
+// What the templates made of the first styles that are stored; NO_INDEX = not known, or not
+// always the same, as with a template that takes its alignment from the tag. Styles never
+// change once stored.
 inline constexpr uint16_t DERIVED_FROM_COUNT = 16;
 struct DerivedStyles {
   uint16_t of[DERIVED_FROM_COUNT][STYLE_TEMPLATE_COUNT];  // [style][template]
 };
 
-// Widths of the characters 0..127 in one point size; 0 = none cached, which measures 0.
-struct AsciiWidths {
+// What each byte adds to the width of a cell in one point size, 0 = none.
+struct CellWidths {
   uint8_t pointSize;
-  uint16_t of[128];
+  bool multiByte;
+  uint32_t of[256];  // CELL_ bits
 };
 
 struct WmlProc {
@@ -119,7 +121,7 @@ struct WmlProc {
   VwVarArray styleArray;                             // StyleRecord, no two equal
   DerivedStyles derivedStyles;
   VwVarArray typefaceArray;                          // names of TYPEFACE_NAME_SIZE bytes
-  AsciiWidths asciiWidths;
+  CellWidths cellWidths;
   char *attrScratch;           // attribute values, during a read
   uint16_t filterId;           // identity
   uint8_t defaultTypeface;     // typeface number of style template 0

@@ -91,14 +91,16 @@ void PutEntity(uint16_t value, const char *text, WmlProc *proc) {
   PutReferenceValue(value, text, proc);
 }
 
-[[gnu::noinline]] void HandleTag(ItemRecord item, WmlProc *proc) {
-  item.tagId = TagStackCheck(item, proc);
-  if (item.itemFlags & ITEM_BEGIN) {
-    TagStackPush(item, ProcessBeginTag(item, proc), proc);
-  } else {
-    if (item.tagId != TAG_TABLE) ProcessEndTag(item.tagId, proc);
-    TagStackPop(item.tagId, proc);
-  }
+[[gnu::noinline]] void HandleBeginTag(ItemRecord item, WmlProc *proc) {
+  if (item.tagId >= TAG_COUNT) item.tagId = TAG_NONE;  // from a save block
+  TagStackCloseParts(item.tagId, proc);
+  TagStackPush(item, ProcessBeginTag(item, proc), proc);
+}
+
+[[gnu::noinline]] void HandleEndTag(uint8_t tagId, WmlProc *proc) {
+  const uint8_t closing = TagStackClose(tagId, proc);
+  if (closing == TAG_HEAD) ProcessEndTag(closing, proc);
+  TagStackPop(closing, proc);
 }
 
 [[gnu::noinline]] void HandleText(ItemRecord item, uint16_t ch, const char *text, WmlProc *proc) {
@@ -135,8 +137,10 @@ void ReadItems(char *text, WmlProc *proc) {
     if (proc->stopFlags != 0) break;
     if (item.itemFlags & (ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF)) {
       HandleText(item, ch, text, proc);
+    } else if (item.itemFlags & ITEM_BEGIN) {
+      if (item.tagId != TAG_NONE) HandleBeginTag(item, proc);
     } else if (item.tagId != TAG_NONE) {
-      HandleTag(item, proc);
+      HandleEndTag(item.tagId, proc);
     }
   }
 }

@@ -65,13 +65,14 @@ inline const uint8_t *SendTextRun(TextRun *kept, WmlProc *proc) {
   uint16_t last = proc->save.lastChar;
   const uint32_t *half = TableHalf(*kept, last);
   for (;;) {
-    const uint32_t entry = half[*at];
+    const uint32_t byte = *at;
+    const uint32_t entry = half[byte];
     if (entry != 0) [[likely]] {
       last = static_cast<uint16_t>(entry);
       input->next = ++at;
       SOEmitChar(last, proc);
       half = kept->table + (entry >> 16);
-    } else if (*at == '<' || at == input->end) {
+    } else if (byte == '<' || at == input->end) {
       break;
     } else {
       const Taken taken = TakeSpecial(at, *kept, last, proc);

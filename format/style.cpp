@@ -100,23 +100,19 @@ uint16_t DeriveStyle(uint16_t current, uint8_t styleClass, WmlProc *proc) {
   return StyleStore(style, proc);
 }
 
-// Where to keep what a template makes of a stored style; null when it is not kept, as with
-// a template that takes its alignment from the tag.
-uint16_t *DerivedIndex(uint16_t from, uint8_t styleClass, WmlProc *proc) {
-  if (from >= DERIVED_FROM_COUNT || from >= proc->styleArray.count) return nullptr;
-  if (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) return nullptr;
-  return &proc->derivedStyles.of[from][styleClass];
-}
-
 }  // namespace
 
 uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc) {
   if (styleClass == 0 || styleClass >= STYLE_TEMPLATE_COUNT) return NO_INDEX;
   const uint16_t current = TagStackTop(proc).styleIndex;
-  uint16_t *known = DerivedIndex(current, styleClass, proc);
-  if (known == nullptr) return DeriveStyle(current, styleClass, proc);
-  if (*known == NO_INDEX) *known = DeriveStyle(current, styleClass, proc);
-  return *known;
+  if (current >= DERIVED_FROM_COUNT) return DeriveStyle(current, styleClass, proc);
+  const uint16_t known = proc->derivedStyles.of[current][styleClass];
+  if (known != NO_INDEX) return known;
+  const bool isStored = current < proc->styleArray.count;
+  const uint16_t derived = DeriveStyle(current, styleClass, proc);
+  const bool fromTag = (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) != 0;
+  if (isStored && !fromTag) proc->derivedStyles.of[current][styleClass] = derived;
+  return derived;
 }
 
 namespace {
@@ -154,21 +150,25 @@ void SendDifference(const StyleRecord &from, const StyleRecord &to, WmlProc *pro
   if (from.pointSize != to.pointSize) SOSetCharSize(2u * to.pointSize, proc);
   if ((from.paraFlags ^ to.paraFlags) & PARA_LAYOUT_MASK) SendLayout(to, proc);
   if (from.typeface != to.typeface) PutTypeface(to.typeface, proc);
-  proc->save.modeFlags &= ~(from.modeBits & ~to.modeBits);
-  proc->save.modeFlags |= to.modeBits & ~from.modeBits;
+  if (from.modeBits != to.modeBits) {
+    proc->save.modeFlags &= ~(from.modeBits & ~to.modeBits);
+    proc->save.modeFlags |= to.modeBits & ~from.modeBits;
+  }
 }
 
 }  // namespace
 
-void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc) {
-  if (to == nullptr) return;
-  if (from == nullptr) {
-    SendWholeStyle(*to, proc);
+void StyleDelta(uint16_t from, uint16_t to, WmlProc *proc) {
+  const auto *styles = reinterpret_cast<const StyleRecord *>(proc->styleArray.storage);
+  const uint16_t count = proc->styleArray.count;
+  if (from == to || to >= count) return;
+  if (from >= count) {
+    SendWholeStyle(styles[to], proc);
   } else {
-    SendDifference(*from, *to, proc);
+    SendDifference(styles[from], styles[to], proc);
   }
 }
 
 void StyleUpdate(WmlProc *proc) {
-  StyleDelta(nullptr, TagStackGetCurrentStyle(proc), proc);
+  StyleDelta(NO_INDEX, TagStackTop(proc).styleIndex, proc);
 }

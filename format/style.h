@@ -27,8 +27,9 @@ void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *
 // without a template.
 uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc);
 
-// Sends the host what differs between two styles, or everything when `from` is null.
-void StyleDelta(const StyleRecord *from, const StyleRecord *to, WmlProc *proc);
+// Sends the host what differs between two styles by their indexes, or everything when
+// `from` is none; nothing when `to` is none.
+void StyleDelta(uint16_t from, uint16_t to, WmlProc *proc);
 
 // Sends the whole style of the top element.
 void StyleUpdate(WmlProc *proc);

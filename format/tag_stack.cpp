@@ -5,10 +5,6 @@
 
 namespace {
 
-void SendStyleChange(uint16_t from, uint16_t to, WmlProc *proc) {
-  if (from != to) StyleDelta(StyleRetrieve(from, proc), StyleRetrieve(to, proc), proc);
-}
-
 // Pops the top element, unless it is the base element, and sends the difference of
 // styles. The element's tag.
 uint8_t PopTop(WmlProc *proc) {
@@ -16,7 +12,7 @@ uint8_t PopTop(WmlProc *proc) {
   const uint8_t tagId = popped.tagId;
   const uint16_t styleIndex = popped.styleIndex;
   if (proc->save.tagStackTop > 0) --proc->save.tagStackTop;
-  SendStyleChange(styleIndex, TagStackTop(proc).styleIndex, proc);
+  StyleDelta(styleIndex, TagStackTop(proc).styleIndex, proc);
   return tagId;
 }
 
@@ -58,18 +54,6 @@ int16_t FindElement(uint8_t tagId, const WmlProc *proc) {
   return i;
 }
 
-uint8_t CheckEndTag(uint8_t tagId, WmlProc *proc) {
-  const uint32_t tagClass = TagClass(tagId);
-  if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
-    const int16_t index = FindElement(tagId, proc);
-    if (index < 0) return TAG_NONE;
-    TagStackCloseTo(index, proc);
-    return tagId;
-  }
-  const bool closesTop = (tagClass & TAGF_MATCH_TOP) && TagStackTop(proc).tagId == tagId;
-  return closesTop ? tagId : uint8_t{TAG_NONE};
-}
-
 }  // namespace
 
 void TagStackPushBase(WmlProc *proc) {
@@ -90,26 +74,37 @@ void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
   if ((TagClass(item.tagId) & TAGF_EMPTY) == 0) {
     save.tagStack[++save.tagStackTop] = {item.tagId, item.itemFlags, styleIndex, styleClass, 0};
   }
-  SendStyleChange(current, styleIndex, proc);
+  StyleDelta(current, styleIndex, proc);
 }
 
 void TagStackPop(uint8_t tagId, WmlProc *proc) {
   if (TagStackTop(proc).tagId == tagId) PopTop(proc);
 }
 
-uint8_t TagStackCheck(ItemRecord item, WmlProc *proc) {
-  if (item.tagId >= TAG_COUNT) return TAG_NONE;
-  if (TagClass(item.tagId) & TAGF_TABLE_PART) {
-    if ((proc->save.modeFlags & MODE_IN_TABLE) == 0) return item.tagId;
-    if (item.tagId == TAG_TD) {
-      CloseCell(proc);
-    } else {
-      CloseRows(proc);
-    }
-  } else if (item.itemFlags & ITEM_END) {
-    return CheckEndTag(item.tagId, proc);
+void TagStackCloseParts(uint8_t tagId, WmlProc *proc) {
+  if ((TagClass(tagId) & TAGF_TABLE_PART) == 0) return;
+  if ((proc->save.modeFlags & MODE_IN_TABLE) == 0) return;
+  if (tagId == TAG_TD) {
+    CloseCell(proc);
+  } else {
+    CloseRows(proc);
   }
-  return item.tagId;
+}
+
+uint8_t TagStackClose(uint8_t tagId, WmlProc *proc) {
+  const uint32_t tagClass = TagClass(tagId);
+  if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
+    const int16_t index = FindElement(tagId, proc);
+    if (index < 0) return TAG_NONE;
+    TagStackCloseTo(index, proc);
+    return tagId;
+  }
+  if (tagClass & TAGF_TABLE_PART) {
+    TagStackCloseParts(tagId, proc);
+    return tagId;
+  }
+  const bool closesTop = (tagClass & TAGF_MATCH_TOP) && TagStackTop(proc).tagId == tagId;
+  return closesTop ? tagId : uint8_t{TAG_NONE};
 }
 
 void TagStackCloseTo(int16_t index, WmlProc *proc) {

@@ -8,11 +8,12 @@
 
 #include <cstdint>
 
+#include "data/name_index.h"
 #include "filter/instance.h"
 
 // Class bits (TAGF_) of a tag, 0 for a number that is no tag.
 inline uint32_t TagClass(uint8_t tagId) {
-  return tagId < TAG_COUNT ? WmlInit.tags[tagId].value >> 8 & 0xFF : 0;
+  return tagId < TAG_COUNT ? uint32_t{TAG_CLASSES.of[tagId]} : 0;
 }
 
 inline constexpr TagStackElem NO_ELEMENT = {TAG_NONE, 0, NO_INDEX, 0, 0};
@@ -37,9 +38,13 @@ void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc);
 // Pops the top element if it has that tag, and sends the difference of styles.
 void TagStackPop(uint8_t tagId, WmlProc *proc);
 
-// Repairs the stack before a tag is handled: closes what the tag closes without saying
-// so. The tag to handle, TAG_NONE for a stray end tag.
-uint8_t TagStackCheck(ItemRecord item, WmlProc *proc);
+// Closes the rows and cells of the open table that a tag of a row or a cell closes without
+// saying so; nothing for other tags.
+void TagStackCloseParts(uint8_t tagId, WmlProc *proc);
+
+// Repairs the stack for an end tag: closes the element of that tag with all above it, and
+// handles their ends. The tag that is left to pop, TAG_NONE for a stray end tag.
+uint8_t TagStackClose(uint8_t tagId, WmlProc *proc);
 
 // Closes every element from the top down to `index`: pops it, then handles its end.
 void TagStackCloseTo(int16_t index, WmlProc *proc);

@@ -49,12 +49,3 @@ uint32_t WMLGetCharWidth(uint16_t ch, const StyleRecord &style) {
       ch >= 0x20 && ch < 0x80 ? uint32_t{WmlInit.widths[ch - 0x20]} : kOtherCharWidth;
   return width * factor / kTableScale;
 }
-
-void CacheAsciiWidths(const StyleRecord &style, WmlProc *proc) {
-  AsciiWidths &cache = proc->asciiWidths;
-  if (cache.pointSize == style.pointSize) return;
-  cache.pointSize = style.pointSize;
-  for (uint16_t ch = 0; ch < 128; ++ch) {
-    cache.of[ch] = static_cast<uint16_t>(WMLGetCharWidth(ch, style));
-  }
-}

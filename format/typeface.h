@@ -19,7 +19,4 @@ void PutTypeface(uint8_t number, WmlProc *proc);
 // Width of a character in a style: WmlInit's value scaled to the point size.
 uint32_t WMLGetCharWidth(uint16_t ch, const StyleRecord &style);
 
-// Makes asciiWidths hold the widths of the style's point size.
-void CacheAsciiWidths(const StyleRecord &style, WmlProc *proc);
-
 #endif  // VS_WML_FORMAT_TYPEFACE_H

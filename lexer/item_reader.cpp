@@ -54,6 +54,8 @@ void ReadAmpersand(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
 
 ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc) {
   ItemRecord item = {};
+  *ch = 0;
+  text[0] = 0;
   const uint16_t c = GetChar(proc);
   switch (c) {
     case CHAR_END:

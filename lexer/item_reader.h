@@ -12,18 +12,16 @@
 // Capacity of an item's text, without its NUL.
 inline constexpr uint16_t ITEM_TEXT_MAX = SCRATCH_TEXT_SIZE - 1;
 
-// Reads an item that is no bare tag; ch and text are empty.
+// Reads an item that is no bare tag.
 ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc);
 
 // Reads the next item, whose first byte is at `next`. `ch` gets the character of an ITEM_CHAR item or the value of
 // an ITEM_ENTITY item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes, the source of an
 // ITEM_ENTITY item or the digits of an ITEM_NUMREF item, else nothing. A tag leaves
 // its attributes in attrList. What cannot be read as markup comes back as characters
-// or as a tag that is TAG_NONE; at the end of the input the item is empty.
+// or as a tag that is TAG_NONE; at the end of the input the item is empty. Not to be called
+// once reading has stopped.
 inline ItemRecord ReadNextItem(const uint8_t *next, uint16_t *ch, char *text, WmlProc *proc) {
-  *ch = 0;
-  text[0] = 0;
-  if (ReadingStopped(proc)) return {};
   ItemRecord item = {};
   if ((proc->save.modeFlags & MODE_LITERAL) == 0) item = ScanBareTag(next, proc);
   if (item.tagId == TAG_NONE) return ReadItem(ch, text, proc);

@@ -5,12 +5,13 @@
 
 namespace {
 
+// Inside quotes, all but the last two are part of the value.
 enum ByteClass : uint8_t {
   NAME,   // part of a name or of an unquoted value
   BLANK,  // between words
   MARK,   // '<', '>', '=', '/', '!'
-  QUOTE,  // opens and closes a value
   HIGH,   // 0x80 and above: half of a character in multi-byte text
+  QUOTE,  // opens and closes a value
   ODD,    // control bytes and '&'
 };
 
@@ -84,12 +85,12 @@ bool ScanValue(bool isReference, Scan *scan, Value *value) {
   }
   value->begin = ++scan->at;
   if (*scan->at == '>') return false;
-  for (; *scan->at != quote; ++scan->at) {
-    const ByteClass c = ClassAt(*scan);
-    if (c == ODD || (c == HIGH && scan->multiByte)) return false;
-  }
-  value->length = static_cast<size_t>(scan->at++ - value->begin);
-  return true;
+  const uint8_t *at = scan->at;
+  const ByteClass stop = scan->multiByte ? HIGH : QUOTE;
+  while (kBytes.of[*at] < stop || (kBytes.of[*at] == QUOTE && *at != quote)) ++at;
+  value->length = static_cast<size_t>(at - value->begin);
+  scan->at = at + 1;
+  return *at == quote;
 }
 
 // The value of a reference stands in for the name of another attribute, which ordinary

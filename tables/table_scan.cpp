@@ -8,6 +8,7 @@
 #include "format/typeface.h"
 #include "lexer/item_reader.h"
 #include "lexer/word_reader.h"
+#include "tables/cell_widths.h"
 #include "tables/column_widths.h"
 
 namespace {
@@ -73,11 +74,10 @@ struct TableScan {
   char *text;  // item text and attribute values
   TableRecord *record;
   StyleRecord style;  // every character is measured with it
-  bool multiByte;     // every character is a run of its own
   bool inRow;
   bool inCell;
   uint16_t cell;  // cells opened in the row; the current column is cell - 1
-  uint16_t prevChar;
+  bool afterSpace;  // the last character measured was a space
   uint32_t lineWidth;  // of the current line, in character-width units
   uint32_t wordWidth;  // of the current unbreakable run
   ColumnExtent columns[MAX_COLUMNS];
@@ -107,68 +107,49 @@ bool IsBlank(uint16_t c) {
   return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
 
-uint32_t CharWidth(uint16_t c, const TableScan &scan) {
-  return c < 128 ? scan.proc->asciiWidths.of[c] : WMLGetCharWidth(c, scan.style);
-}
-
 void MeasureChar(uint16_t c, TableScan *scan) {
   ColumnExtent *column = CurrentColumn(scan);
   if (!scan->inCell || c == 0 || column == nullptr) return;
   const bool blank = IsBlank(c);
-  if (blank && scan->prevChar == ' ') return;
-  const uint32_t width = CharWidth(c, *scan);
+  if (blank && scan->afterSpace) return;
+  const uint32_t width = WMLGetCharWidth(c, scan->style);
   scan->lineWidth += width;
   Raise(scan->lineWidth, &column->lineMax);
-  if (blank || scan->multiByte) {
+  if (blank || scan->proc->cellWidths.multiByte) {
     EndRun(scan);
   } else {
     scan->wordWidth += width;
   }
-  scan->prevChar = c;
+  scan->afterSpace = c == ' ';
 }
-
-enum ByteClass : uint8_t { OTHER, PLAIN, WHITE };
-
-struct ByteClasses {
-  ByteClass of[256];
-};
-
-// Bytes that are characters of their own in every charset but JIS X 0208, and no markup.
-constexpr ByteClasses kBytes = [] {
-  ByteClasses bytes = {};
-  for (int b = '!'; b < 0x80; ++b) bytes.of[b] = PLAIN;
-  const auto set = [&bytes](const char *characters, ByteClass which) {
-    for (; *characters != 0; ++characters) bytes.of[static_cast<uint8_t>(*characters)] = which;
-  };
-  set("<&$/", OTHER);
-  set(" \n\r\t", WHITE);
-  return bytes;
-}();
 
 // A line that could wrap at 32 bits within a buffer is measured character by character.
 constexpr uint32_t kLineFar = 0xF0000000;
 
-// What MeasureChar does for the plain characters and white space from `at` on; the
-// place behind them.
+// What MeasureChar does for the plain characters and white space from `at` on; the place
+// behind them. The end of a word is no branch: it would be mispredicted.
 const uint8_t *MeasurePlain(const uint8_t *at, ColumnExtent *column, TableScan *scan) {
-  const uint16_t *widths = scan->proc->asciiWidths.of;
-  for (;;) {
-    const uint8_t *begin = at;
-    uint32_t width = 0;
-    while (kBytes.of[*at] == PLAIN) width += widths[*at++];
-    if (at != begin) {
-      scan->lineWidth += width;
-      if (scan->multiByte) {
-        EndRun(scan);
-      } else {
-        scan->wordWidth += width;
-      }
-      scan->prevChar = at[-1];
-    }
-    if (kBytes.of[*at] != WHITE) break;
-    MeasureChar(*at++, scan);
+  const uint32_t *widths = scan->proc->cellWidths.of;
+  uint32_t skipped = scan->afterSpace ? CELL_WHITE : 0;
+  uint32_t line = scan->lineWidth;
+  uint32_t word = scan->wordWidth;
+  uint32_t wordMax = column->wordMax;
+  while (const uint32_t entry = widths[*at]) {
+    ++at;
+    if (entry & skipped) continue;
+    const uint32_t width = entry & CELL_WIDTH;
+    const uint32_t inWord = 0u - (entry >> 31);
+    const uint32_t ended = word & ~inWord;
+    wordMax = ended > wordMax ? ended : wordMax;
+    word = (word + width) & inWord;
+    line += width;
+    skipped = CellSkippedBehind(entry);
   }
-  Raise(scan->lineWidth, &column->lineMax);
+  scan->afterSpace = skipped != 0;
+  scan->lineWidth = line;
+  scan->wordWidth = word;
+  column->wordMax = wordMax;
+  Raise(line, &column->lineMax);
   return at;
 }
 
@@ -184,7 +165,7 @@ const uint8_t *MeasureRun(TableScan *scan) {
     if (scan->lineWidth > kLineFar) return at;
     at = MeasurePlain(at, column, scan);
   } else {
-    while (kBytes.of[*at] != OTHER) ++at;
+    while (scan->proc->cellWidths.of[*at] != 0) ++at;
   }
   input->next = at;
   return at;
@@ -194,7 +175,7 @@ void EndLine(TableScan *scan) {
   if (BeyondColumns(scan)) return;
   EndRun(scan);
   scan->lineWidth = 0;
-  scan->prevChar = ' ';
+  scan->afterSpace = true;
 }
 
 void MeasureImage(TableScan *scan) {
@@ -208,7 +189,7 @@ void MeasureImage(TableScan *scan) {
     Raise(scan->lineWidth, &column->lineMax);
     column->wordMax = scan->lineWidth;
   }
-  scan->prevChar = 0;
+  scan->afterSpace = false;
 }
 
 void BeginRow(TableScan *scan) {
@@ -259,7 +240,7 @@ bool IsTableEnd(const ItemRecord &item) {
 // end of the input.
 void ScanCells(TableScan *scan) {
   uint16_t ch;
-  for (;;) {
+  while (!ReadingStopped(scan->proc)) {
     const uint8_t *next = MeasureRun(scan);
     const ItemRecord item = ReadNextItem(next, &ch, scan->text, scan->proc);
     if (ReadingStopped(scan->proc)) return;
@@ -290,8 +271,7 @@ void MeasureTable(char *text, TableRecord *record, WmlProc *proc) {
   scan.text = text;
   scan.record = record;
   scan.style = current != nullptr ? *current : BaseStyle(proc);
-  CacheAsciiWidths(scan.style, proc);
-  scan.multiByte = (proc->save.curCharset & CHARSETF_MULTI_BYTE) != 0;
+  MakeCellWidths(scan.style, (proc->save.curCharset & CHARSETF_MULTI_BYTE) != 0, proc);
   ScanCells(&scan);
   CountColumns(&scan);
   DistributeWidths(scan.columns, record->columnCount, record->columnWidth);
@@ -299,11 +279,11 @@ void MeasureTable(char *text, TableRecord *record, WmlProc *proc) {
 
 // A table that does not say how many columns it has is passed over.
 void SkipTable(char *text, WmlProc *proc) {
-  ItemRecord item;
   uint16_t ch;
-  do {
-    item = ReadNextItem(proc->input->next, &ch, text, proc);
-  } while (!IsTableEnd(item) && proc->stopFlags == 0);
+  while (!ReadingStopped(proc)) {
+    const ItemRecord item = ReadNextItem(proc->input->next, &ch, text, proc);
+    if (IsTableEnd(item) || proc->stopFlags != 0) return;
+  }
 }
 
 uint16_t DeclaredColumns(const char *value, const WmlProc *proc) {

@@ -1,0 +1,33 @@
+#include "tables/cell_widths.h"
+
+#include "format/typeface.h"
+
+namespace {
+
+bool IsWhite(uint32_t byte) {
+  return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t';
+}
+
+// True for the bytes that are characters of their own in every charset but JIS X 0208.
+bool IsPlain(uint32_t byte) {
+  return byte > ' ' && byte < 0x80 && byte != '<' && byte != '&' && byte != '$' && byte != '/';
+}
+
+}  // namespace
+
+void MakeCellWidths(const StyleRecord &style, bool multiByte, WmlProc *proc) {
+  CellWidths &widths = proc->cellWidths;
+  if (widths.pointSize == style.pointSize && widths.multiByte == multiByte) return;
+  widths = {};
+  widths.pointSize = style.pointSize;
+  widths.multiByte = multiByte;
+  for (uint32_t byte = 0; byte < 0x80; ++byte) {
+    const bool white = IsWhite(byte);
+    if (!white && !IsPlain(byte)) continue;
+    uint32_t entry = CELL_MEASURED | WMLGetCharWidth(static_cast<uint16_t>(byte), style);
+    if (white) entry |= CELL_WHITE;
+    if (byte == ' ') entry |= CELL_SPACE;
+    if (!white && !multiByte) entry |= CELL_IN_WORD;
+    widths.of[byte] = entry;
+  }
+}
