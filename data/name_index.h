@@ -29,7 +29,7 @@ struct NameIndex {
   uint64_t keys[slotCount];  // 0 in a free slot
   uint16_t values[slotCount];
 
-  // The multiplier is one that gives every tag and every attribute a slot of its own.
+  // The multiplier is one that gives every attribute a slot of its own.
   static constexpr size_t SlotOf(uint64_t key) {
     return static_cast<size_t>(key * 0x56E0C20B30C86EFBu >> (64 - std::countr_zero(slotCount)));
   }
@@ -56,6 +56,28 @@ struct NameIndex {
 extern const NameIndex<64> TAG_INDEX;         // lower-case name to TagId
 extern const NameIndex<128> ATTRIBUTE_INDEX;  // lower-case name to AttributeId
 extern const NameIndex<1024> ENTITY_INDEX;    // name to UTF-16 unit
+
+// A tag that is nothing but its name, as it stands behind "<" or "</".
+struct BareTag {
+  uint64_t bytes;    // the name in lower case and the '>', the first byte lowest
+  uint64_t mask;     // of all these bytes
+  uint64_t letters;  // the bit that lowers a letter, in each byte of the name
+  uint8_t tagId;     // 0 in a free slot, whose bytes nothing equals
+  uint8_t length;    // bytes with the '>'
+};
+
+// The tags but `meta`, each in the slot that its first two bytes tell.
+struct BareTagIndex {
+  static constexpr size_t SLOT_COUNT = 64;
+  BareTag slots[SLOT_COUNT];
+
+  // The only tag that the eight bytes behind a "<" or "</" can begin with.
+  constexpr const BareTag &Candidate(uint64_t bytes) const {
+    const auto firstTwo = static_cast<uint16_t>(bytes | 0x2020);
+    return slots[(firstTwo * 0xEC6871Bu) >> 26];
+  }
+};
+extern const BareTagIndex BARE_TAG_INDEX;
 
 // The class bits of the tags by themselves, close together.
 struct TagClasses {

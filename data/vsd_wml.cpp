@@ -452,6 +452,25 @@ constexpr NameIndex<64> TAG_INDEX = [] {
   for (uint16_t &value : index.values) value &= 0xFF;
   return index;
 }();
+constexpr BareTagIndex BARE_TAG_INDEX = [] {
+  BareTagIndex index = {};
+  for (BareTag &slot : index.slots) slot.bytes = 1;
+  for (uint8_t id = TAG_NONE + 1; id < TAG_COUNT; ++id) {
+    if (id == TAG_META) continue;
+    BareTag tag = {0, 0, 0, id, 0};
+    for (const char *name = WmlInit.tags[id].name; *name != 0; ++name) {
+      tag.bytes |= uint64_t{static_cast<uint8_t>(*name)} << 8 * tag.length;
+      tag.letters |= uint64_t{0x20} << 8 * tag.length;
+      ++tag.length;
+    }
+    tag.bytes |= uint64_t{'>'} << 8 * tag.length;
+    ++tag.length;
+    tag.mask = (uint64_t{1} << 8 * tag.length) - 1;
+    const auto slot = static_cast<size_t>(&index.Candidate(tag.bytes) - index.slots);
+    index.slots[slot] = tag;
+  }
+  return index;
+}();
 constexpr TagClasses TAG_CLASSES = [] {
   TagClasses classes = {};
   for (int id = 0; id < TAG_COUNT; ++id) {
@@ -473,6 +492,14 @@ constexpr bool AllInTheirSlots(const NameIndex<slotCount> &index) {
   return true;
 }
 
-static_assert(AllInTheirSlots(TAG_INDEX) && AllInTheirSlots(ATTRIBUTE_INDEX));
+static_assert(AllInTheirSlots(ATTRIBUTE_INDEX));
+
+constexpr bool AllCandidates(const BareTagIndex &index) {
+  int count = 0;
+  for (const BareTag &slot : index.slots) count += slot.tagId != TAG_NONE;
+  return count == TAG_COUNT - 2;  // without TAG_NONE and `meta`
+}
+
+static_assert(AllCandidates(BARE_TAG_INDEX));
 
 }  // namespace
