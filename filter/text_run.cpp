@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr uint32_t Sends(uint16_t c) {
-  return c == ' ' ? c | SENDS_AFTER_BLANK << 16 : c;
+constexpr SendEntry Sends(uint16_t c) {
+  return {c, c == ' ' ? SENDS_AFTER_BLANK : uint16_t{0}};
 }
 
 enum HighBytes { HIGH_AS_THEY_ARE, HIGH_CONTROLS_MAPPED, HIGH_MULTI_BYTE };
@@ -25,10 +25,11 @@ constexpr bool IsMarkup(unsigned byte) {
 constexpr SendTable MakeTable(HighBytes high, bool preformatted) {
   SendTable table = {};
   for (unsigned byte = ' '; byte < 0x100; ++byte) {
-    uint32_t sent = Sends(byte < 0x80 ? static_cast<uint16_t>(byte) : SentHigh(byte, high));
-    if (IsMarkup(byte)) sent = 0;
-    table.of[byte] = sent;
-    table.of[byte + SENDS_AFTER_BLANK] = byte == ' ' && !preformatted ? 0 : sent;
+    if (IsMarkup(byte)) continue;
+    const auto ascii = static_cast<uint16_t>(byte);
+    table.of[byte] = Sends(byte < 0x80 ? ascii : SentHigh(byte, high));
+    const bool dropped = byte == ' ' && !preformatted;
+    table.of[byte + SENDS_AFTER_BLANK] = dropped ? SendEntry{} : table.of[byte];
   }
   if (!preformatted) table.of[0x0A] = table.of[0x0D] = Sends(' ');  // line ends
   return table;

@@ -5,14 +5,18 @@
 #include "filter/callbacks.h"
 #include "filter/instance.h"
 
-// What each byte sends: the character in the low half, and above it which half of the
-// table its successor is looked up in. The first half serves after a character, the second
-// at the start of a paragraph and after a blank, where a blank sends nothing. 0 marks the
-// bytes that need a closer look. To look a blank up like every other byte is what makes
-// text fast: a branch on it would be mispredicted at every end of a word.
-inline constexpr uint32_t SENDS_AFTER_BLANK = 256;
+// What a byte sends, and which half of the table its successor is looked up in.
+struct SendEntry {
+  uint16_t character;  // 0 = needs a closer look
+  uint16_t half;       // 0 or SENDS_AFTER_BLANK
+};
+
+// The first half serves after a character, the second at the start of a paragraph and after
+// a blank, where a blank sends nothing. To look a blank up like every other byte is what
+// makes text fast: a branch on it would be mispredicted at every end of a word.
+inline constexpr uint16_t SENDS_AFTER_BLANK = 256;
 struct SendTable {
-  uint32_t of[2 * SENDS_AFTER_BLANK];
+  SendEntry of[2 * SENDS_AFTER_BLANK];
 };
 
 // How text is sent in a state of the stream; kept by the read loop from run to run.
@@ -22,7 +26,7 @@ struct TextRun {
   bool preformatted;
   bool inTable;
   uint8_t leadSet;        // LEAD_ bit of the charset
-  const uint32_t *table;  // of a SendTable
+  const SendEntry *table;  // of a SendTable
 };
 
 // The modes and decoder states that the sending of text depends on.
@@ -47,7 +51,7 @@ struct Taken {
 // Takes a byte for which the table has nothing to send.
 Taken TakeSpecial(const uint8_t *at, const TextRun &run, uint16_t last, WmlProc *proc);
 
-inline const uint32_t *TableHalf(const TextRun &run, uint16_t last) {
+inline const SendEntry *TableHalf(const TextRun &run, uint16_t last) {
   return run.table + (last == 0 || last == ' ' ? SENDS_AFTER_BLANK : 0);
 }
 
@@ -62,27 +66,29 @@ inline const uint8_t *SendTextRun(TextRun *kept, WmlProc *proc) {
   if (*at == '<') return at;
   if (kept->state != TextRunState(proc->save)) *kept = MakeTextRun(proc);
   if (!kept->sends) return at;
-  uint16_t last = proc->save.lastChar;
-  const uint32_t *half = TableHalf(*kept, last);
+  SendEntry before = {proc->save.lastChar, 0};
+  const SendEntry *last = &before;  // what was sent last
+  const SendEntry *half = TableHalf(*kept, before.character);
   for (;;) {
-    const uint32_t byte = *at;
-    const uint32_t entry = half[byte];
-    if (entry != 0) [[likely]] {
-      last = static_cast<uint16_t>(entry);
+    const SendEntry *entry = half + *at;
+    const uint32_t character = entry->character;
+    if (character != 0) [[likely]] {
+      last = entry;
       input->next = ++at;
-      SOEmitChar(last, proc);
-      half = kept->table + (entry >> 16);
-    } else if (byte == '<' || at == input->end) {
+      SOEmitChar(character, proc);
+      half = kept->table + last->half;
+    } else if (entry == half + '<' || at == input->end) {
       break;
     } else {
-      const Taken taken = TakeSpecial(at, *kept, last, proc);
+      const Taken taken = TakeSpecial(at, *kept, last->character, proc);
       if (taken.at == nullptr) break;
       input->next = at = taken.at;
-      last = taken.last;
-      half = TableHalf(*kept, last);
+      before.character = taken.last;
+      last = &before;
+      half = TableHalf(*kept, taken.last);
     }
   }
-  proc->save.lastChar = last;
+  proc->save.lastChar = last->character;
   return at;
 }
 
