@@ -81,7 +81,8 @@ void ReadItems(benchmark::State &state, DeckKind kind) {
   for (auto _ : state) {
     stream.Rewind();
     while ((stream.Proc()->stopFlags & STOP_END_OF_INPUT) == 0) {
-      benchmark::DoNotOptimize(ReadNextItem(stream.Proc()->input->next, &character, text, stream.Proc()));
+      benchmark::DoNotOptimize(
+          ReadNextItem(stream.Proc()->input->next, &character, text, stream.Proc()));
     }
   }
   ReportBytes(state, stream.Bytes().size());

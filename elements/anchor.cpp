@@ -13,7 +13,7 @@ bool StoreTitle(WmlProc *proc) {
 
 }  // namespace
 
-void ProcessBeginAnchor(WmlProc *proc) {
+[[gnu::noinline]] void ProcessBeginAnchor(WmlProc *proc) {
   WmlSave &save = proc->save;
   if (save.modeFlags & MODE_IN_ANCHOR) return;
   if (!GetAttributeString(ATTRIB_HREF, proc->attrScratch, SCRATCH_TEXT_SIZE, proc)) return;

@@ -54,7 +54,7 @@ void IncludeGraphic(uint32_t source, uint32_t alternative, uint32_t width, uint3
 
 }  // namespace
 
-void ProcessImage(WmlProc *proc) {
+[[gnu::noinline]] void ProcessImage(WmlProc *proc) {
   uint32_t source;
   if (!StoreAttribute(ATTRIB_SRC, &source, proc)) return;
   const uint32_t width = ReadLength(ATTRIB_WIDTH, proc);

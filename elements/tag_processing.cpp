@@ -11,7 +11,7 @@
 
 namespace {
 
-void BeginCard(WmlProc *proc) {
+[[gnu::noinline]] void BeginCard(WmlProc *proc) {
   WmlSave &save = proc->save;
   save.modeFlags |= MODE_IN_CARD;
   if (save.firstCardPending == 0) {
@@ -23,7 +23,7 @@ void BeginCard(WmlProc *proc) {
   PutAttributeParagraph(ATTRIB_TITLE, proc);
 }
 
-void BeginParagraph(WmlProc *proc) {
+[[gnu::noinline]] void BeginParagraph(WmlProc *proc) {
   OptionParaBreak(proc);
   uint16_t alignment = CheckJustify(proc);
   if (alignment == 0) alignment = PARA_ALIGN_LEFT;

@@ -114,13 +114,13 @@ struct WmlProc {
   uint16_t stopFlags;   // STOP_ bits; cleared by every VwStreamRead
   uint16_t attrCount;   // attributes of the tag read last
   AttrRef attrList[MAX_ATTRIBUTES];
-  TableRecord *currentTable;                         // item of tableArray at tableIndex, or null
-  uint16_t cellFlags[MAX_COLUMNS];                   // CELL_ bits of the current row
-  uint32_t cellShade[MAX_COLUMNS];                   // background of the current row's cells
-  VwVarArray tableArray;                             // TableRecord
-  VwVarArray styleArray;                             // StyleRecord, no two equal
+  TableRecord *currentTable;        // item of tableArray at tableIndex, or null
+  uint16_t cellFlags[MAX_COLUMNS];  // CELL_ bits of the current row
+  uint32_t cellShade[MAX_COLUMNS];  // background of the current row's cells
+  VwVarArray tableArray;            // TableRecord
+  VwVarArray styleArray;            // StyleRecord, no two equal
   DerivedStyles derivedStyles;
-  VwVarArray typefaceArray;                          // names of TYPEFACE_NAME_SIZE bytes
+  VwVarArray typefaceArray;  // names of TYPEFACE_NAME_SIZE bytes
   CellWidths cellWidths;
   char *attrScratch;           // attribute values, during a read
   uint16_t filterId;           // identity

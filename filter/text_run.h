@@ -25,7 +25,7 @@ struct TextRun {
   bool sends;      // false where plain text is not simply sent
   bool preformatted;
   bool inTable;
-  uint8_t leadSet;        // LEAD_ bit of the charset
+  uint8_t leadSet;         // LEAD_ bit of the charset
   const SendEntry *table;  // of a SendTable
 };
 

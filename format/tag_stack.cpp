@@ -74,7 +74,7 @@ void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
   if ((TagClass(item.tagId) & TAGF_EMPTY) == 0) {
     save.tagStack[++save.tagStackTop] = {item.tagId, item.itemFlags, styleIndex, styleClass, 0};
   }
-  StyleDelta(current, styleIndex, proc);
+  if (current != styleIndex) StyleDelta(current, styleIndex, proc);
 }
 
 void TagStackPop(uint8_t tagId, WmlProc *proc) {
@@ -107,7 +107,7 @@ uint8_t TagStackClose(uint8_t tagId, WmlProc *proc) {
   return closesTop ? tagId : uint8_t{TAG_NONE};
 }
 
-void TagStackCloseTo(int16_t index, WmlProc *proc) {
+[[gnu::noinline]] void TagStackCloseTo(int16_t index, WmlProc *proc) {
   for (int16_t i = proc->save.tagStackTop; i >= index; --i) ProcessEndTag(PopTop(proc), proc);
 }
 

@@ -15,8 +15,8 @@ inline constexpr uint16_t ITEM_TEXT_MAX = SCRATCH_TEXT_SIZE - 1;
 // Reads an item that is no bare tag.
 ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc);
 
-// Reads the next item, whose first byte is at `next`. `ch` gets the character of an ITEM_CHAR item or the value of
-// an ITEM_ENTITY item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes, the source of an
+// Reads the next item, whose first byte is at `next`. `ch` gets the character of an ITEM_CHAR item
+// or the value of an ITEM_ENTITY item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes, the source of an
 // ITEM_ENTITY item or the digits of an ITEM_NUMREF item, else nothing. A tag leaves
 // its attributes in attrList. What cannot be read as markup comes back as characters
 // or as a tag that is TAG_NONE; at the end of the input the item is empty. Not to be called

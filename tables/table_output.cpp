@@ -93,7 +93,7 @@ void OpenTable(WmlProc *proc) {
 
 }  // namespace
 
-void ProcessBeginTable(ItemRecord item, WmlProc *proc) {
+[[gnu::noinline]] void ProcessBeginTable(ItemRecord item, WmlProc *proc) {
   if (proc->save.modeFlags & MODE_IN_TABLE) {
     TagStackPush(item, 0, proc);
     return;

@@ -76,8 +76,8 @@ struct TableScan {
   StyleRecord style;  // every character is measured with it
   bool inRow;
   bool inCell;
-  uint16_t cell;  // cells opened in the row; the current column is cell - 1
-  bool afterSpace;  // the last character measured was a space
+  uint16_t cell;       // cells opened in the row; the current column is cell - 1
+  bool afterSpace;     // the last character measured was a space
   uint32_t lineWidth;  // of the current line, in character-width units
   uint32_t wordWidth;  // of the current unbreakable run
   ColumnExtent columns[MAX_COLUMNS];
