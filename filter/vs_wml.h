@@ -44,7 +44,7 @@
  * 0). An instance that is not open (before VwStreamOpen, after VwStreamClose)
  * reads as nothing: VwStreamRead and VwStreamSection return 0 without a call.
  *
- * Memory. An instance takes 2.5 KB, its input buffer 2 KB and the scratch strings of a
+ * Memory. An instance takes 3.6 KB, its input buffer 2 KB and the scratch strings of a
  * read at most 8 KB, whatever the length of the document; and the stream keeps 284 bytes
  * for each table and 16 for each distinct style, with up to half of that again in
  * reserve. A read that has begun allocates for those alone.
