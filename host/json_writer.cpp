@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
@@ -19,6 +18,53 @@ constexpr std::array<std::string_view, 5> kTaskName = {"none", "go", "prev", "re
 
 constexpr std::uint32_t kHalfPointsPerPoint = 2;
 constexpr double kTimerUnitsPerSecond = 10;
+
+// The bytes that stand for themselves in a string.
+constexpr auto kPlain = [] {
+  std::array<bool, 256> plain{};
+  for (std::size_t byte = 0x20; byte < plain.size(); ++byte) plain[byte] = true;
+  plain['"'] = plain['\\'] = false;
+  return plain;
+}();
+
+// RapidJSON's writer, except that strings without escapes are copied whole.
+class CopyingWriter : public rapidjson::Writer<rapidjson::StringBuffer> {
+ public:
+  using Writer::Writer;
+
+  // `key` has no escapes.
+  void Key(std::string_view key) {
+    Prefix(rapidjson::kStringType);
+    Quote(key);
+  }
+  void String(std::string_view text) {
+    const bool plain = std::all_of(text.begin(), text.end(),
+                                   [](char c) { return kPlain[static_cast<unsigned char>(c)]; });
+    if (plain) {
+      Key(text);
+    } else {
+      Writer::String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    }
+  }
+
+ private:
+  void Quote(std::string_view text) {
+    char *out = os_->Push(text.size() + 2);
+    *out++ = '"';
+    out = std::copy(text.begin(), text.end(), out);
+    *out = '"';
+  }
+};
+
+std::string_view HexColor(std::uint32_t color, std::array<char, 7> &buffer) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  buffer[0] = '#';
+  for (std::size_t digit = 0; digit < 6; ++digit) {
+    // Red is the lowest byte, and in a byte the higher half comes first.
+    buffer[digit + 1] = kDigits[color >> 4 * (digit ^ 1U) & 0xFU];
+  }
+  return {buffer.data(), buffer.size()};
+}
 
 // One object a document, written as the document comes. docs/json.md describes it.
 class JsonWriter : public BlockSink {
@@ -98,7 +144,7 @@ class JsonWriter : public BlockSink {
     writer_.EndArray();
     Key("warnings");
     writer_.StartArray();
-    for (const std::string &warning : deck.warnings) String(warning);
+    for (const std::string &warning : deck.warnings) writer_.String(warning);
     writer_.EndArray();
     writer_.EndObject();
     HandOn();
@@ -107,15 +153,10 @@ class JsonWriter : public BlockSink {
   }
 
  private:
-  void String(std::string_view text) {
-    writer_.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-  }
-  void Key(std::string_view key) {
-    writer_.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
-  }
+  void Key(std::string_view key) { writer_.Key(key); }
   void Member(std::string_view key, std::string_view text) {
     Key(key);
-    String(text);
+    writer_.String(text);
   }
   void Flag(std::string_view key, bool value) {
     Key(key);
@@ -158,10 +199,8 @@ class JsonWriter : public BlockSink {
       Length(style.halfPoints, kHalfPointsPerPoint);
     }
     if (style.color != 0 && !isField) {
-      std::array<char, 8> color{};
-      std::snprintf(color.data(), color.size(), "#%02x%02x%02x", style.color & 0xFFU,
-                    (style.color >> 8U) & 0xFFU, (style.color >> 16U) & 0xFFU);
-      Member("color", color.data());
+      std::array<char, 7> color{};
+      Member("color", HexColor(style.color, color));
     }
     if (isField) {
       Key("field");
@@ -326,7 +365,7 @@ class JsonWriter : public BlockSink {
   Output &out_;
   const DeckParts *parts_ = nullptr;
   rapidjson::StringBuffer buffer_;
-  rapidjson::Writer<rapidjson::StringBuffer> writer_{buffer_};
+  CopyingWriter writer_{buffer_};
 };
 
 }  // namespace
