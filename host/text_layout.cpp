@@ -23,7 +23,10 @@ struct CloseText {
 bool HasWideCharacters(std::string_view text) {
   // The first wide characters have the lead byte 0xE1.
   for (std::size_t offset = AsciiPrefix(text); offset < text.size();) {
-    if (static_cast<unsigned char>(text[offset]) < 0xE1) {
+    const auto byte = static_cast<unsigned char>(text[offset]);
+    if (byte < 0x80) {
+      offset += AsciiPrefix(text.substr(offset));
+    } else if (byte < 0xE1) {
       ++offset;
     } else if (NextWidth(text, offset) == 2) {
       return true;
@@ -110,6 +113,10 @@ class Measure {
     std::size_t columns = std::min(width, ascii_ - std::min(ascii_, begin));
     std::size_t offset = begin + columns;
     while (offset < text_.size()) {
+      const std::size_t ascii = AsciiPrefix(text_.substr(offset, width - columns));
+      offset += ascii;
+      columns += ascii;
+      if (offset == text_.size()) break;
       std::size_t next = offset;
       columns += NextWidth(text_, next);
       if (columns > width) break;

@@ -168,16 +168,17 @@ int ColumnWidth(char32_t character) {
 }
 
 std::size_t NextWidth(std::string_view text, std::size_t &offset) {
-  if (static_cast<unsigned char>(text[offset]) < 0x80) {
-    ++offset;
-    return 1;
-  }
   return static_cast<std::size_t>(ColumnWidth(NextCharacter(text, offset)));
 }
 
 std::size_t ColumnWidth(std::string_view text) {
-  std::size_t columns = AsciiPrefix(text);
-  for (std::size_t offset = columns; offset < text.size();) columns += NextWidth(text, offset);
+  std::size_t columns = 0;
+  for (std::size_t offset = 0; offset < text.size();) {
+    const std::size_t ascii = AsciiPrefix(text.substr(offset));
+    offset += ascii;
+    columns += ascii;
+    if (offset < text.size()) columns += NextWidth(text, offset);
+  }
   return columns;
 }
 

@@ -49,6 +49,15 @@ constexpr std::string_view Trim(std::string_view text) {
   return text.substr(0, LengthWithoutWhiteSpace(text));
 }
 
+/// Whether `lowered` is the text in lower case.
+constexpr bool IsLowered(std::string_view text, std::string_view lowered) {
+  if (text.size() != lowered.size()) return false;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (ToLower(text[at]) != lowered[at]) return false;
+  }
+  return true;
+}
+
 inline bool EqualIgnoringCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char x, char y) { return ToLower(x) == ToLower(y); });

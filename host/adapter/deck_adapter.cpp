@@ -241,7 +241,7 @@ const DeckAdapter::Element *DeckAdapter::FindElement(std::string_view name) {
   for (std::size_t slot = FirstSlot(name); kElementIndex[slot] != 0;
        slot = (slot + 1) % kIndexSize) {
     const Element &element = kElements[kElementIndex[slot] - 1];
-    if (EqualIgnoringCase(element.name, name)) return &element;
+    if (IsLowered(name, element.name)) return &element;
   }
   return nullptr;
 }

@@ -33,7 +33,7 @@ constexpr bool IsNameStart(char c) {
 
 const std::string_view *Token::Find(std::string_view attribute) const {
   for (const Attribute &entry : attributes) {
-    if (EqualIgnoringCase(entry.name, attribute)) return &entry.value;
+    if (IsLowered(entry.name, attribute)) return &entry.value;
   }
   return nullptr;
 }
@@ -271,9 +271,11 @@ bool MarkupReader::ReadQuotedValue(std::string_view &value) {
 }
 
 std::string_view MarkupReader::ReadName() {
-  const std::size_t start = position_;
-  while (position_ < document_.size() && IsNameCharacter(document_[position_])) ++position_;
-  return document_.substr(start, position_ - start);
+  std::size_t end = position_;
+  while (end < document_.size() && IsNameCharacter(document_[end])) ++end;
+  const std::string_view name = document_.substr(position_, end - position_);
+  position_ = end;
+  return name;
 }
 
 // `what` from `from` on; what is not found is not looked for again. Positions never go

@@ -37,7 +37,8 @@ struct Token {
   std::vector<Attribute> attributes;  ///< of kStartTag
   bool empty = false;                 ///< of kStartTag: closed by "/"
 
-  /// The first attribute of that name, whatever its case; null when there is none.
+  /// The first attribute of that name (in lower case), however it is written; null when
+  /// there is none.
   const std::string_view *Find(std::string_view attribute) const;
 };
 

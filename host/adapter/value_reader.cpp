@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "host/adapter/ascii.h"
 #include "host/adapter/references.h"
@@ -18,12 +19,14 @@ std::string ValueReader::Text(const Token &token, std::string_view attribute) {
 std::string ValueReader::Target(const Token &token, std::string_view attribute) {
   const std::string_view *raw = token.Find(attribute);
   if (raw == nullptr) return {};
-  const std::string decoded = DecodeAttribute(*raw);
-  return Substituted(Trim(decoded), Conversion::kEscape);
+  std::string decoded = DecodeAttribute(*raw);
+  const std::string_view trimmed = Trim(decoded);
+  if (trimmed.size() != decoded.size()) decoded = std::string(trimmed);
+  return Substituted(std::move(decoded), Conversion::kEscape);
 }
 
-std::string ValueReader::Substituted(std::string_view text, Conversion usual) {
-  if (text.find('$') == std::string_view::npos) return std::string(text);
+std::string ValueReader::Substituted(std::string text, Conversion usual) {
+  if (text.find('$') == std::string::npos) return text;
   return survey_.KnownVariables().Substitute(text, usual, budget_);
 }
 

@@ -44,7 +44,7 @@ class ValueReader {
   bool Spend(std::size_t size);
 
  private:
-  std::string Substituted(std::string_view text, Conversion usual);
+  std::string Substituted(std::string text, Conversion usual);
 
   DeckSurvey &survey_;
   std::size_t budget_;
