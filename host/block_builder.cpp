@@ -80,8 +80,12 @@ struct BlockBuilder::Routines_ {
   static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
     BlockBuilder &builder = Of(user);
     // Nearly every call ends here; the rest stays out of line to keep it short.
-    const bool plain = (unit >= 0x20 && unit < 0x7F) || (unit >= 0x80 && builder.servedByte_);
-    if (plain && builder.text_.TryAdd(static_cast<char>(unit))) return 0;
+    if (unit >= 0x20 && unit < 0x7F) {
+      if (builder.text_.TryAdd(static_cast<char>(unit))) return 0;
+    } else if (unit >= 0x80 && builder.servedByte_) {
+      builder.runHasServed_ = true;
+      if (builder.text_.TryAdd(static_cast<char>(unit))) return 0;
+    }
     builder.EmitOther(unit);
     return 0;
   }
@@ -281,7 +285,7 @@ void BlockBuilder::CloseRun() {
   FlushCoded();
   if (text_.Size() == runStart_) return;
   const std::string_view tail = text_.View().substr(runStart_);
-  if (!IsValidUtf8(tail)) {
+  if (std::exchange(runHasServed_, false) && !IsValidUtf8(tail)) {
     const std::string repaired = RepairUtf8(tail);
     text_.Truncate(runStart_);
     text_.Add(repaired);

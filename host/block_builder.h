@@ -109,6 +109,7 @@ class BlockBuilder {
   std::vector<Link> links_;
   std::vector<Image> images_;
   std::size_t runStart_ = 0;
+  bool runHasServed_ = false;  ///< bytes of served UTF-8, which may lack their others
   TextStyle style_;
   std::uint32_t link_ = kNone;  ///< the open link, named again in every block it goes on in
   Alignment alignment_ = Alignment::kLeft;
