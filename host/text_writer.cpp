@@ -61,6 +61,16 @@ std::string AnsiStyle(std::uint8_t style) {
   return sequence + 'm';
 }
 
+// Columns of the widest of the lines that a text has.
+std::size_t WidestLine(std::string_view text) {
+  std::size_t widest = 0;
+  for (std::size_t feed = text.find('\n'); feed != std::string_view::npos; feed = text.find('\n')) {
+    widest = std::max(widest, ColumnWidth(text.substr(0, feed)));
+    text.remove_prefix(feed + 1);
+  }
+  return std::max(widest, ColumnWidth(text));
+}
+
 class TextWriter : public BlockSink {
  public:
   TextWriter(Output &output, const WriterOptions &options)
@@ -322,11 +332,8 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
     }
     for (std::size_t column = 0; column < row.cellCount; ++column) {
       const CellText &cell = cells_[row.firstCell + column];
-      for (std::size_t begin = cell.begin; begin <= cell.end;) {
-        const std::size_t end = std::min(text.substr(0, cell.end).find('\n', begin), cell.end);
-        natural[column] = std::max(natural[column], ColumnWidth(text.substr(begin, end - begin)));
-        begin = end + 1;
-      }
+      natural[column] =
+          std::max(natural[column], WidestLine(text.substr(cell.begin, cell.end - cell.begin)));
     }
   }
   if (natural.empty()) return natural;
@@ -367,10 +374,10 @@ void TextWriter::WriteRow(const Table &table, const Row &row,
   std::size_t height = 0;
   for (std::size_t column = 0; column < row.cellCount; ++column) {
     const CellText &cell = cells_[row.firstCell + column];
-    cellLines_[column].clear();
-    BreakLines(flat_.text, cell.begin, cell.end, columns[column], LongWords::kBreak,
-               cellLines_[column]);
-    height = std::max(height, cellLines_[column].size());
+    std::vector<Line> &lines = cellLines_[column];
+    lines.clear();
+    BreakLines(flat_.text, cell.begin, cell.end, columns[column], LongWords::kBreak, lines);
+    height = std::max(height, lines.size());
   }
   FlushBlank();
   written_ = true;
@@ -378,13 +385,12 @@ void TextWriter::WriteRow(const Table &table, const Row &row,
     std::size_t behind = 0;  // blanks not yet written: none stand at the end of a line
     for (std::size_t column = 0; column < row.cellCount; ++column) {
       if (column != 0) behind += kColumnGap;
-      const bool empty = level >= cellLines_[column].size() ||
-                         cellLines_[column][level].begin == cellLines_[column][level].end;
-      if (empty) {
+      const std::vector<Line> &lines = cellLines_[column];
+      if (level >= lines.size() || lines[level].begin == lines[level].end) {
         behind += columns[column];
         continue;
       }
-      const Line &line = cellLines_[column][level];
+      const Line &line = lines[level];
       const Alignment alignment = table.cells[row.firstCell + column].alignment;
       const std::size_t indent = Indent(alignment, columns[column], line.columns);
       out_.Pad(behind + indent);

@@ -119,6 +119,9 @@ INSTANTIATE_TEST_SUITE_P(Forms, Content, testing::ValuesIn(kForms));
 constexpr ContentCase kTables[] = {
     {"<table><tr><td>a</td><td>b</td></tr><tr><td>c</td></tr></table>",
      "<table columns=\"2\"><tr><td>a</td><td>b</td></tr><tr><td>c</td></tr></table>"},
+    {"<TABLE COLUMNS='1'><TR><TD>a</TABLE><table columns='65'><tr><td>b<td>c</table>",
+     "<table columns=\"1\"><tr><td>a</td></tr></table>"
+     "<table columns=\"2\"><tr><td>b</td><td>c</td></tr></table>"},
     {"<table columns='1' align='C' title='\"T\"'><td>a<td>b<tr><th>c</table>d",
      "<table columns=\"1\" align=\"C\" title=\"&quot;T&quot;\"><tr><td>a</td><td>b</td></tr><tr>"
      "<td>c</td></tr></table>d"},
@@ -171,6 +174,8 @@ TEST(DeckAdapter, GivesVariablesTheirValues) {
                           "<input name='i' value='v'/>$a $b $i"),
             "<a href=\"unwml:f:0\">[i: v]</a>x y x%20y v");
   EXPECT_EQ(ServedContent("<setvar name='a' value='1'/><setvar name='a' value='2'/>$a"), "{a}");
+  EXPECT_EQ(ServedContent("&lt;$a&$$&amp;$$a$b$<setvar name='a' value='known later'/>"),
+            "&lt;known later&amp;$$&amp;$$a{b}$$");
 }
 
 TEST(DeckAdapter, TellsTheParts) {

@@ -32,6 +32,12 @@ const BlockCase kCases[] = {
      "{|\nPl [1:x.wml?a=1&b=2|t]go   [2:#c]on\n}\n."},
     {"LinkOverLines", "<card><p><a href='x'>a<br/>b</a>c</p></card>",
      "{|\nPl [1:x]a\nLl [1:x]b c\n}\n."},
+    {"SecondLinkOverLines", "<card><p><a href='x'>a</a><a href='y'>b<br/>c<br/>d</a>e</p></card>",
+     "{|\nPl [1:x]a [2:y]b\nLl [2:y]c\nLl [2:y]d e\n}\n."},
+    {"TitledImages",
+     "<card><p><a href='x' title='t'><img src='a' alt='A'/><img src='b' alt='B'/></a>"
+     "<a href='y' title='u'><img src='c' alt='C'/></a></p></card>",
+     "{|\nPl [1:x|t]<a|A> [1:x|t]<b|B> [2:y|u]<c|C>\n}\n."},
     {"Images", "<card><p><img src='a.wbmp' alt='A'/><a href='x'><img src='b?c=d'/></a></p></card>",
      "{|\nPl <a.wbmp|A> [1:x]<b?c=d|>\n}\n."},
     {"Tables",

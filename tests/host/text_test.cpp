@@ -32,12 +32,26 @@ TEST(Utf8, IllFormedSequencesAreFoundAndReplaced) {
   }
 }
 
+TEST(Utf8, TheAsciiPrefixEndsWhereItEnds) {
+  for (std::size_t length = 0; length <= 20; ++length) {
+    std::string text(length, 'a');
+    EXPECT_EQ(AsciiPrefix(text), length);
+    for (std::size_t at = 0; at < length; ++at) {
+      text[at] = '\x80';
+      EXPECT_EQ(AsciiPrefix(text), at) << length;
+      text[at] = '\x7F';
+    }
+  }
+}
+
 TEST(TextLayout, ColumnsAreThoseOfATerminal) {
   EXPECT_EQ(ColumnWidth("abc"), 3U);
   EXPECT_EQ(ColumnWidth("日本"), 4U);
   EXPECT_EQ(ColumnWidth("ｱｲ"), 2U);
   EXPECT_EQ(ColumnWidth("e\xCC\x81"), 1U);
   EXPECT_EQ(ColumnWidth("😀"), 2U);
+  EXPECT_EQ(ColumnWidth("Жя\u0483 Ωμ"), 5U);  // with a combining mark
+  EXPECT_EQ(ColumnWidth("–’…€₩\u200B\u202A"), 5U);
 }
 
 TEST(TextLayout, LinesBreakWhereWordsEnd) {
@@ -54,6 +68,9 @@ TEST(TextLayout, LinesBreakWhereWordsEnd) {
       {"a incomprehensible b", 5, LongWords::kKeep, {"a", "incomprehensible", "b"}},
       {"a incomprehensible b", 5, LongWords::kBreak, {"a", "incom", "prehe", "nsibl", "e b"}},
       {"été à là", 5, LongWords::kKeep, {"été à", "là"}},
+      {"é12345 789", 6, LongWords::kKeep, {"é12345", "789"}},
+      {"abcde\u0301 é", 5, LongWords::kKeep, {"abcde\u0301", "é"}},
+      {"–日本 語", 5, LongWords::kKeep, {"–日本", "語"}},
       {"日本語テスト", 6, LongWords::kKeep, {"日本語", "テスト"}},
       {"日本語。続", 6, LongWords::kKeep, {"日本", "語。続"}},  // no line begins with a full stop
       {"a\nb c", 9, LongWords::kKeep, {"a", "b c"}},
