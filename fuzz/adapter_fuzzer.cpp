@@ -41,15 +41,20 @@ std::size_t CountOf(const vs_wml::DeckParts &parts, vs_wml::ServedKind kind) {
   }
 }
 
+// Whether a place lies in a tag, between its attributes.
+bool IsAttribute(std::string_view served, std::size_t at) {
+  const std::size_t begin = served.rfind('<', at);
+  const std::size_t end = served.rfind('>', at);
+  if (begin == served.npos || (end != served.npos && end > begin)) return false;
+  return std::ranges::count(served.substr(begin, at - begin), '"') % 2 == 0;
+}
+
 // Every quoted target is a reference to a part.
 void CheckTargets(const vs_wml::AdaptedDeck &deck) {
   const std::string_view served = deck.served;
   for (const std::string_view name : {" href=\"", " src=\""}) {
     for (std::size_t at = served.find(name); at != served.npos; at = served.find(name, at + 1)) {
-      // In text the same characters may stand, but not in a tag.
-      if (served.rfind('<', at) == served.npos || served.rfind('<', at) < served.rfind('>', at)) {
-        continue;
-      }
+      if (!IsAttribute(served, at)) continue;
       const std::size_t start = at + name.size();
       const auto reference =
           vs_wml::ParseServedTarget(served.substr(start, served.find('"', start) - start));

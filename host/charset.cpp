@@ -320,7 +320,7 @@ DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
     const bool wide = name->starts_with("utf-16") || name->starts_with("utf-32") ||
                       name->starts_with("ucs-") || name->starts_with("iso-10646-ucs");
     if (wide || !IsKnownCharset(*name)) {
-      warnings.push_back("declared character set \"" + RepairUtf8(*name) +
+      warnings.push_back("declared character set \"" + WithoutControls(RepairUtf8(*name)) +
                          (wide ? "\" is not the document's" : "\" is unknown"));
       return false;
     }

@@ -154,6 +154,13 @@ TEST(Charset, IsFoundInTheOrderOfBelief) {
   EXPECT_EQ(Blocks(latin), "{|\nPl été\n}\n.");
 }
 
+TEST(Charset, WarningsQuoteNamesWithoutControls) {
+  std::vector<std::string> warnings;
+  DetectCharset("<?xml encoding='a\x7F\xC2\x9B\xFF'?><wml/>", "", warnings);
+  EXPECT_EQ(warnings,
+            std::vector<std::string>{"declared character set \"a\xEF\xBF\xBD\" is unknown"});
+}
+
 TEST(Charset, IllFormedBytesShowAsReplacements) {
   EXPECT_EQ(
       Blocks("<?xml encoding='utf-8'?><wml><card title='\xFF'><p>a\xC3 b\xE2\x82 \xED\xA0\x80"),
