@@ -113,10 +113,12 @@ class Measure {
     std::size_t columns = std::min(width, ascii_ - std::min(ascii_, begin));
     std::size_t offset = begin + columns;
     while (offset < text_.size()) {
-      const std::size_t ascii = AsciiPrefix(text_.substr(offset, width - columns));
-      offset += ascii;
-      columns += ascii;
-      if (offset == text_.size()) break;
+      if (columns < width && static_cast<unsigned char>(text_[offset]) < 0x80) {
+        const std::size_t ascii = AsciiPrefix(text_.substr(offset, width - columns));
+        offset += ascii;
+        columns += ascii;
+        continue;
+      }
       std::size_t next = offset;
       columns += NextWidth(text_, next);
       if (columns > width) break;

@@ -174,10 +174,13 @@ std::size_t NextWidth(std::string_view text, std::size_t &offset) {
 std::size_t ColumnWidth(std::string_view text) {
   std::size_t columns = 0;
   for (std::size_t offset = 0; offset < text.size();) {
-    const std::size_t ascii = AsciiPrefix(text.substr(offset));
-    offset += ascii;
-    columns += ascii;
-    if (offset < text.size()) columns += NextWidth(text, offset);
+    if (static_cast<unsigned char>(text[offset]) < 0x80) {
+      const std::size_t ascii = AsciiPrefix(text.substr(offset));
+      offset += ascii;
+      columns += ascii;
+    } else {
+      columns += NextWidth(text, offset);
+    }
   }
   return columns;
 }
