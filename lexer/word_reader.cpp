@@ -12,10 +12,6 @@ uint16_t NextChar(WordBuffer *word, WmlProc *proc) {
   return c;
 }
 
-bool IsBlank(uint16_t c) {
-  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
-}
-
 // True when the byte was stored, which DropLast wants to know.
 bool Append(uint16_t c, WordBuffer *word) {
   if (word->length >= word->max) return false;

@@ -24,6 +24,11 @@ uint8_t ReadWord(WordBuffer *word, WmlProc *proc);
 // and references are left as they are.
 uint8_t ReadWordWithNoQuote(WordBuffer *word, WmlProc *proc);
 
+// White space between words.
+inline bool IsBlank(uint16_t c) {
+  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
+}
+
 // True when the read is to end at once; a stop that the host asked for waits for the
 // end of the item.
 inline bool ReadingStopped(const WmlProc *proc) {

@@ -1,15 +1,12 @@
 #include "tables/cell_widths.h"
 
 #include "format/typeface.h"
+#include "lexer/word_reader.h"
 
 namespace {
 
-bool IsWhite(uint32_t byte) {
-  return byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t';
-}
-
 // True for the bytes that are characters of their own in every charset but JIS X 0208.
-bool IsPlain(uint32_t byte) {
+bool IsPlain(uint16_t byte) {
   return byte > ' ' && byte < 0x80 && byte != '<' && byte != '&' && byte != '$' && byte != '/';
 }
 
@@ -21,10 +18,10 @@ void MakeCellWidths(const StyleRecord &style, bool multiByte, WmlProc *proc) {
   widths = {};
   widths.pointSize = style.pointSize;
   widths.multiByte = multiByte;
-  for (uint32_t byte = 0; byte < 0x80; ++byte) {
-    const bool white = IsWhite(byte);
+  for (uint16_t byte = 0; byte < 0x80; ++byte) {
+    const bool white = IsBlank(byte);
     if (!white && !IsPlain(byte)) continue;
-    uint32_t entry = CELL_MEASURED | WMLGetCharWidth(static_cast<uint16_t>(byte), style);
+    uint32_t entry = CELL_MEASURED | WMLGetCharWidth(byte, style);
     if (white) entry |= CELL_WHITE;
     if (byte == ' ') entry |= CELL_SPACE;
     if (!white && !multiByte) entry |= CELL_IN_WORD;

@@ -103,10 +103,6 @@ void EndRun(TableScan *scan) {
   scan->wordWidth = 0;
 }
 
-bool IsBlank(uint16_t c) {
-  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
-}
-
 void MeasureChar(uint16_t c, TableScan *scan) {
   ColumnExtent *column = CurrentColumn(scan);
   if (!scan->inCell || c == 0 || column == nullptr) return;
