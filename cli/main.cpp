@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <malloc.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <system_error>
@@ -62,15 +64,25 @@ int Run(Options options) {
   return failed ? kSomeFailed : kAllRead;
 }
 
+// The memory of a document serves its output and the next document; giving it back and
+// fetching it anew takes longer than reading. Where the system has huge pages, the first
+// documents lie in them: fetching small ones takes a tenth of the time of a reading.
+void PrepareHeap() {
+  constexpr int kKeptBytes = 32 << 20;
+  mallopt(M_MMAP_THRESHOLD, kKeptBytes);
+  mallopt(M_TRIM_THRESHOLD, 2 * kKeptBytes);
+  constexpr std::size_t kHugePage = 2U << 20U;
+  constexpr std::size_t kHugeBytes = 8 * kHugePage;
+  void *const heap = std::aligned_alloc(kHugePage, kHugeBytes);
+  if (heap != nullptr) madvise(heap, kHugeBytes, MADV_HUGEPAGE);
+  std::free(heap);
+}
+
 }  // namespace
 }  // namespace unwml
 
 int main(int argc, char **argv) {
-  // The memory of a document serves its output and the next document; giving it back and
-  // fetching it anew takes longer than reading.
-  constexpr int kKeptBytes = 32 << 20;
-  mallopt(M_MMAP_THRESHOLD, kKeptBytes);
-  mallopt(M_TRIM_THRESHOLD, 2 * kKeptBytes);
+  unwml::PrepareHeap();
   // A closed pipe is an error of the write, not a signal.
   std::signal(SIGPIPE, SIG_IGN);
   int exitCode = 0;
