@@ -133,6 +133,11 @@ class TextWriter : public BlockSink {
   struct CellText {
     std::size_t begin;
     std::size_t end;
+    std::size_t columns;  // of its widest line
+  };
+  struct CellLines {
+    std::size_t first;  // of lines_
+    std::size_t count;
   };
 
   static std::size_t Indent(Alignment alignment, std::size_t width, std::size_t columns) {
@@ -284,7 +289,9 @@ class TextWriter : public BlockSink {
     if (style != 0) out_ << "\x1B[0m";
   }
 
+  void FlattenCells(const Table &table);
   std::vector<std::size_t> ColumnsOf(const Table &table) const;
+  void BreakCell(const CellText &cell, std::size_t width);
   void WriteRow(const Table &table, const Row &row, const std::vector<std::size_t> &columns);
 
   Output &out_;
@@ -303,20 +310,31 @@ class TextWriter : public BlockSink {
   FlatText flat_;
   std::vector<Line> lines_;
   std::vector<CellText> cells_;
-  std::vector<std::vector<Line>> cellLines_;
+  bool plainCells_ = false;  ///< of ASCII without line breaks: a column a character
+  std::vector<CellLines> cellLines_;
 };
 
 void TextWriter::TakeTable(const Table &table) {
+  FlattenCells(table);
+  blank_ = written_;
+  const std::vector<std::size_t> columns = ColumnsOf(table);
+  for (const Row &row : table.rows) WriteRow(table, row, columns);
+}
+
+void TextWriter::FlattenCells(const Table &table) {
   flat_.Clear();
   cells_.clear();
   for (const Cell &cell : table.cells) {
     const std::size_t begin = flat_.text.size();
     Append(table.ContentOf(cell));
-    cells_.push_back({begin, flat_.text.size()});
+    cells_.push_back({begin, flat_.text.size(), flat_.text.size() - begin});
   }
-  blank_ = written_;
-  const std::vector<std::size_t> columns = ColumnsOf(table);
-  for (const Row &row : table.rows) WriteRow(table, row, columns);
+  const std::string_view text = flat_.text;
+  plainCells_ = AsciiPrefix(text) == text.size() && text.find('\n') == std::string_view::npos;
+  if (plainCells_) return;
+  for (CellText &cell : cells_) {
+    cell.columns = WidestLine(text.substr(cell.begin, cell.end - cell.begin));
+  }
 }
 
 // Widths of the columns in characters: as wide as their content where that fits, else
@@ -331,9 +349,7 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
       least.resize(row.cellCount);
     }
     for (std::size_t column = 0; column < row.cellCount; ++column) {
-      const CellText &cell = cells_[row.firstCell + column];
-      natural[column] =
-          std::max(natural[column], WidestLine(text.substr(cell.begin, cell.end - cell.begin)));
+      natural[column] = std::max(natural[column], cells_[row.firstCell + column].columns);
     }
   }
   if (natural.empty()) return natural;
@@ -348,7 +364,7 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
   for (const Row &row : table.rows) {
     for (std::size_t column = 0; column < row.cellCount; ++column) {
       const CellText &cell = cells_[row.firstCell + column];
-      if (least[column] >= fair) continue;
+      if (least[column] >= std::min(fair, cell.columns)) continue;
       least[column] =
           std::max(least[column], WidestWord(text.substr(cell.begin, cell.end - cell.begin)));
     }
@@ -368,16 +384,26 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
   return least;
 }
 
+// Appends the lines of a cell to lines_.
+void TextWriter::BreakCell(const CellText &cell, std::size_t width) {
+  const std::size_t first = lines_.size();
+  const bool fits = cell.columns != 0 && cell.columns <= width;
+  if (plainCells_ && fits && flat_.text[cell.end - 1] != ' ') {
+    lines_.push_back({cell.begin, cell.end, cell.columns});
+  } else {
+    BreakLines(flat_.text, cell.begin, cell.end, width, LongWords::kBreak, lines_);
+  }
+  cellLines_.push_back({first, lines_.size() - first});
+}
+
 void TextWriter::WriteRow(const Table &table, const Row &row,
                           const std::vector<std::size_t> &columns) {
-  if (cellLines_.size() < row.cellCount) cellLines_.resize(row.cellCount);
+  lines_.clear();
+  cellLines_.clear();
   std::size_t height = 0;
   for (std::size_t column = 0; column < row.cellCount; ++column) {
-    const CellText &cell = cells_[row.firstCell + column];
-    std::vector<Line> &lines = cellLines_[column];
-    lines.clear();
-    BreakLines(flat_.text, cell.begin, cell.end, columns[column], LongWords::kBreak, lines);
-    height = std::max(height, lines.size());
+    BreakCell(cells_[row.firstCell + column], columns[column]);
+    height = std::max(height, cellLines_.back().count);
   }
   FlushBlank();
   written_ = true;
@@ -385,12 +411,12 @@ void TextWriter::WriteRow(const Table &table, const Row &row,
     std::size_t behind = 0;  // blanks not yet written: none stand at the end of a line
     for (std::size_t column = 0; column < row.cellCount; ++column) {
       if (column != 0) behind += kColumnGap;
-      const std::vector<Line> &lines = cellLines_[column];
-      if (level >= lines.size() || lines[level].begin == lines[level].end) {
+      const CellLines &cell = cellLines_[column];
+      const Line line = level < cell.count ? lines_[cell.first + level] : Line{};
+      if (line.begin == line.end) {
         behind += columns[column];
         continue;
       }
-      const Line &line = lines[level];
       const Alignment alignment = table.cells[row.firstCell + column].alignment;
       const std::size_t indent = Indent(alignment, columns[column], line.columns);
       out_.Pad(behind + indent);
