@@ -79,12 +79,12 @@ struct BlockBuilder::Routines_ {
 
   static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
     BlockBuilder &builder = Of(user);
-    // Nearly every call ends here; the rest stays out of line to keep it short.
-    if (unit >= 0x20 && unit < 0x7F) {
-      if (builder.text_.TryAdd(static_cast<char>(unit))) return 0;
-    } else if (unit >= 0x80 && builder.servedByte_) {
-      builder.runHasServed_ = true;
-      if (builder.text_.TryAdd(static_cast<char>(unit))) return 0;
+    // Nearly every call ends here; the rest stays out of line to keep it short. ASCII and
+    // other bytes take the same way: which of them comes next is hard to predict.
+    if (unit - 0x20 < builder.storedUnits_ && unit != 0x7F &&
+        builder.text_.TryAdd(static_cast<char>(unit))) {
+      builder.runUnits_ |= unit;
+      return 0;
     }
     builder.EmitOther(unit);
     return 0;
@@ -237,7 +237,8 @@ void BlockBuilder::AppendCharacter(char32_t character) {
 
 // Units that need more than a store: control characters and UTF-16 from a reference.
 void BlockBuilder::EmitOther(std::uint32_t unit) {
-  if (unit >= 0x80 && servedByte_) {
+  if (unit >= 0x80 && storedUnits_ == kServedBytes) {
+    runUnits_ |= unit;
     text_.Add(static_cast<char>(unit));
   } else {
     AppendCharacter(unit);
@@ -265,7 +266,7 @@ void BlockBuilder::EmitCoded(std::uint32_t code) {
 void BlockBuilder::SwitchCharset(std::uint32_t hostCharset) {
   FlushCoded();
   charset_ = hostCharset;
-  servedByte_ = deck_.servedAsUtf8 && hostCharset != HOST_CS_UNICODE;
+  storedUnits_ = deck_.servedAsUtf8 && hostCharset != HOST_CS_UNICODE ? kServedBytes : kAscii;
 }
 
 void BlockBuilder::FlushCoded() {
@@ -285,7 +286,7 @@ void BlockBuilder::CloseRun() {
   FlushCoded();
   if (text_.Size() == runStart_) return;
   const std::string_view tail = text_.View().substr(runStart_);
-  if (std::exchange(runHasServed_, false) && !IsValidUtf8(tail)) {
+  if (std::exchange(runUnits_, 0) >= 0x80 && !IsValidUtf8(tail)) {
     const std::string repaired = RepairUtf8(tail);
     text_.Truncate(runStart_);
     text_.Add(repaired);

@@ -101,7 +101,10 @@ class BlockBuilder {
   std::uint32_t charset_ = HOST_CS_UNICODE;
   std::string coded_;           ///< codes not yet converted, of documents served untouched
   char32_t highSurrogate_ = 0;  ///< waiting for its other half, 0: none
-  bool servedByte_ = false;     ///< units above 0x7F are the bytes of served UTF-8
+  // Units from 0x20 on, so many, are stored as they are; DEL is not among them.
+  static constexpr std::uint32_t kAscii = 0x60;
+  static constexpr std::uint32_t kServedBytes = 0xE0;  // those of UTF-8, too
+  std::uint32_t storedUnits_ = kAscii;
 
   // The block.
   TextBuffer text_;
@@ -109,7 +112,7 @@ class BlockBuilder {
   std::vector<Link> links_;
   std::vector<Image> images_;
   std::size_t runStart_ = 0;
-  bool runHasServed_ = false;  ///< bytes of served UTF-8, which may lack their others
+  std::uint32_t runUnits_ = 0;  ///< those stored, or'ed: bytes of UTF-8 may lack their others
   TextStyle style_;
   std::uint32_t link_ = kNone;  ///< the open link, named again in every block it goes on in
   Alignment alignment_ = Alignment::kLeft;

@@ -39,8 +39,8 @@ bool HasWideCharacters(std::string_view text) {
 // text, where Unicode's rules allow it.
 class BreakFinder {
  public:
-  explicit BreakFinder(std::string_view text) : text_(text) {
-    if (HasWideCharacters(text)) iterator_ = WideIterator();
+  BreakFinder(std::string_view text, bool narrow) : text_(text) {
+    if (!narrow && HasWideCharacters(text)) iterator_ = WideIterator();
     if (iterator_ == nullptr) return;
     UErrorCode status = U_ZERO_ERROR;
     utext_.reset(
@@ -101,9 +101,13 @@ std::size_t WithoutBlanks(std::string_view text, std::size_t begin, std::size_t 
 // Measures parts of a text without line feeds.
 class Measure {
  public:
-  explicit Measure(std::string_view text) : text_(text), ascii_(AsciiPrefix(text)) {}
+  explicit Measure(std::string_view text)
+      : text_(text), ascii_(AsciiPrefix(text)), narrow_(ascii_ == text.size() || IsNarrow(text)) {}
+
+  bool Narrow() const { return narrow_; }
 
   std::size_t Columns(std::size_t begin, std::size_t end) const {
+    if (narrow_ && end > ascii_) return Characters(begin, end);
     return end <= ascii_ ? end - begin : ColumnWidth(text_.substr(begin, end - begin));
   }
 
@@ -112,6 +116,7 @@ class Measure {
   std::size_t Fit(std::size_t begin, std::size_t width) const {
     std::size_t columns = std::min(width, ascii_ - std::min(ascii_, begin));
     std::size_t offset = begin + columns;
+    if (narrow_) return SkipCharacters(offset, width - columns);
     while (offset < text_.size()) {
       if (columns < width && static_cast<unsigned char>(text_[offset]) < 0x80) {
         const std::size_t ascii = AsciiPrefix(text_.substr(offset, width - columns));
@@ -128,8 +133,25 @@ class Measure {
   }
 
  private:
+  std::size_t Characters(std::size_t begin, std::size_t end) const {
+    std::size_t count = 0;
+    for (const char byte : text_.substr(begin, end - begin)) {
+      count += static_cast<std::size_t>(StartsCharacter(byte));
+    }
+    return count;
+  }
+
+  std::size_t SkipCharacters(std::size_t offset, std::size_t count) const {
+    for (std::size_t started = 0; offset < text_.size(); ++offset) {
+      started += static_cast<std::size_t>(StartsCharacter(text_[offset]));
+      if (started > count) break;
+    }
+    return offset;
+  }
+
   std::string_view text_;
   std::size_t ascii_;  // characters at the start, each of which takes one column
+  bool narrow_;        // every character takes one column
 };
 
 // Appends the lines of a text without line feeds, which begins at `offset` of another.
@@ -143,7 +165,7 @@ void BreakPlainLines(std::string_view text, std::size_t offset, std::size_t widt
   std::size_t full = measure.Fit(0, width);
   std::size_t begin = 0;
   if (full < text.size()) {
-    BreakFinder finder(text);
+    BreakFinder finder(text, measure.Narrow());
     for (; full < text.size(); full = measure.Fit(begin, width)) {
       std::size_t next = finder.Last(full);
       if (text[full] == ' ') {
@@ -184,7 +206,7 @@ std::size_t WidestWord(std::string_view text) {
     const std::size_t feed = std::min(text.find('\n', begin), text.size());
     const std::string_view line = text.substr(begin, feed - begin);
     const Measure measure(line);
-    BreakFinder finder(line);
+    BreakFinder finder(line, measure.Narrow());
     for (std::size_t word = 0; word < line.size();) {
       const std::size_t next = finder.Next(word);
       const std::size_t end = WithoutBlanks(line, word, next);

@@ -4,6 +4,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace vs_wml {
@@ -58,6 +59,74 @@ char32_t Decode(std::string_view text, std::size_t &offset) {
   return character;
 }
 
+// An automaton that checks bytes without a branch: each byte has a word with the next
+// state for every state, at the bit that is the state's own number.
+enum State : std::uint8_t {
+  kRejected = 0,
+  kBoundary = 6,
+  kOneLeft = 12,
+  kTwoLeft = 18,
+  kThreeLeft = 24,
+  kBehindE0 = 30,
+  kBehindED = 36,
+  kBehindF0 = 42,
+  kBehindF4 = 48
+};
+
+constexpr State StateBehind(unsigned char lead) {
+  if (lead < 0x80) return kBoundary;
+  switch (lead) {
+    case 0xE0:
+      return kBehindE0;
+    case 0xED:
+      return kBehindED;
+    case 0xF0:
+      return kBehindF0;
+    case 0xF4:
+      return kBehindF4;
+    default:
+      constexpr State kLeft[] = {kRejected, kOneLeft, kTwoLeft, kThreeLeft};
+      return kLeft[LeadOf(lead).following];
+  }
+}
+
+constexpr std::uint64_t Transitions(unsigned char byte) {
+  std::uint64_t word = std::uint64_t{StateBehind(byte)} << kBoundary;
+  const auto add = [&](State from, State to, unsigned char low, unsigned char high) {
+    if (byte >= low && byte <= high) word |= std::uint64_t{to} << from;
+  };
+  add(kOneLeft, kBoundary, 0x80, 0xBF);
+  add(kTwoLeft, kOneLeft, 0x80, 0xBF);
+  add(kThreeLeft, kTwoLeft, 0x80, 0xBF);
+  add(kBehindE0, kOneLeft, 0xA0, 0xBF);
+  add(kBehindED, kOneLeft, 0x80, 0x9F);
+  add(kBehindF0, kTwoLeft, 0x90, 0xBF);
+  add(kBehindF4, kTwoLeft, 0x80, 0x8F);
+  return word;
+}
+
+constexpr auto kTransitions = [] {
+  std::array<std::uint64_t, 256> words{};
+  for (std::size_t byte = 0; byte < words.size(); ++byte) {
+    words[byte] = Transitions(static_cast<unsigned char>(byte));
+  }
+  return words;
+}();
+
+// Not zero when a byte, with the two behind it, starts a character that may take another
+// width than one column: others than ASCII, Latin, Greek, Cyrillic, common punctuation
+// and currencies. Without branches, so that the compiler looks at many bytes at once.
+unsigned char MayNotBeNarrow(unsigned char byte, unsigned char next, unsigned char third) {
+  const auto is = [](bool value) { return static_cast<unsigned char>(value); };
+  const unsigned char punctuation = is(next == 0x80) & is(third >= 0x90) & is(third <= 0xA7);
+  const unsigned char currency = is(next == 0x82) & is(third >= 0xA0);
+  const unsigned char softHyphen = is(byte == 0xC2) & is(next == 0xAD);
+  const unsigned char known = is(byte < 0xCC) | is(byte == 0xCE) | is(byte == 0xCF) |
+                              is(byte == 0xD0) | is(byte == 0xD1) |
+                              (is(byte == 0xE2) & (punctuation | currency));
+  return softHyphen | (known ^ 1U);
+}
+
 }  // namespace
 
 std::size_t AsciiPrefix(std::string_view text) {
@@ -84,6 +153,27 @@ std::size_t FindIllFormedUtf8(std::string_view text) {
   return text.size();
 }
 
+bool IsValidUtf8(std::string_view text) {
+  constexpr std::size_t kPiece = sizeof(std::uint64_t);
+  std::uint64_t state = kBoundary;
+  std::size_t offset = 0;
+  const auto check = [&](std::size_t end) {
+    for (; offset < end; ++offset) {
+      state = kTransitions[static_cast<unsigned char>(text[offset])] >> (state & 63U);
+    }
+    state &= 63U;
+  };
+  while (text.size() - offset >= kPiece) {
+    if (state == kBoundary && IsAsciiWord(text, offset)) {
+      offset += kPiece;
+    } else {
+      check(offset + kPiece);
+    }
+  }
+  check(text.size());
+  return state == kBoundary;
+}
+
 std::string RepairUtf8(std::string_view text) {
   std::string repaired;
   repaired.reserve(text.size());
@@ -103,7 +193,9 @@ void AppendUtf8(std::string &text, char32_t character) {
   if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) {
     character = kReplacementCharacter;
   }
-  const auto add = [&](char32_t byte) { text += static_cast<char>(byte); };
+  char bytes[4];
+  std::size_t size = 0;
+  const auto add = [&](char32_t byte) { bytes[size++] = static_cast<char>(byte); };
   if (character < 0x80) {
     add(character);
   } else if (character < 0x800) {
@@ -119,6 +211,7 @@ void AppendUtf8(std::string &text, char32_t character) {
     add(0x80 | ((character >> 6U) & 0x3FU));
     add(0x80 | (character & 0x3FU));
   }
+  text.append(bytes, size);
 }
 
 char32_t NextCharacter(std::string_view text, std::size_t &offset) {
@@ -169,6 +262,19 @@ int ColumnWidth(char32_t character) {
 
 std::size_t NextWidth(std::string_view text, std::size_t &offset) {
   return static_cast<std::size_t>(ColumnWidth(NextCharacter(text, offset)));
+}
+
+bool IsNarrow(std::string_view text) {
+  const auto *bytes = reinterpret_cast<const unsigned char *>(text.data());
+  const std::size_t whole = text.size() - std::min<std::size_t>(text.size(), 2);
+  unsigned char other = 0;
+  for (std::size_t at = 0; at < whole; ++at) {
+    other |= MayNotBeNarrow(bytes[at], bytes[at + 1], bytes[at + 2]);
+  }
+  for (std::size_t at = whole; at < text.size(); ++at) {
+    other |= MayNotBeNarrow(bytes[at], at + 1 < text.size() ? bytes[at + 1] : 0, 0);
+  }
+  return other == 0;
 }
 
 std::size_t ColumnWidth(std::string_view text) {

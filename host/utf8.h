@@ -20,9 +20,7 @@ std::size_t FindIllFormedUtf8(std::string_view text);
 /// Length of the ASCII characters at the start of the text.
 std::size_t AsciiPrefix(std::string_view text);
 
-inline bool IsValidUtf8(std::string_view text) {
-  return FindIllFormedUtf8(text) == text.size();
-}
+bool IsValidUtf8(std::string_view text);
 
 /// The text with every ill-formed sequence replaced by U+FFFD.
 std::string RepairUtf8(std::string_view text);
@@ -42,6 +40,15 @@ std::size_t NextWidth(std::string_view text, std::size_t &offset);
 
 /// Columns of a text without line feeds.
 std::size_t ColumnWidth(std::string_view text);
+
+/// Whether each character of a well-formed text takes one column, as far as that shows
+/// at a glance: true for ASCII and most text in European scripts.
+bool IsNarrow(std::string_view text);
+
+/// Whether the byte is none of those that go on with a character of well-formed text.
+constexpr bool StartsCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;
+}
 
 /// What a character is to the rules of emphasis in Markdown.
 enum class CharacterClass { kBlank, kPunctuation, kWord };
