@@ -75,6 +75,7 @@ class DeckAdapter {
   void Reference(std::string_view text, std::size_t &at);
   void Variable(std::string_view text, std::size_t &at);
   void Write(std::string_view text);
+  void WriteCharacter(char32_t character);
 
   // The deck and its cards.
   bool EnsureCard();
@@ -311,19 +312,27 @@ void DeckAdapter::Write(std::string_view text) {
   }
 }
 
+// A character that a reference stands for.
+void DeckAdapter::WriteCharacter(char32_t character) {
+  const bool blank = character == U'\t' || character == U'\n' || character == U'\r';
+  if (blank || fields_.InOption()) {
+    if (!blank && IsControl(character)) return;
+    std::string text;
+    AppendUtf8(text, character);
+    Write(text);
+  } else if (character == U' ') {
+    writer_.FixedBlank();
+  } else if (!IsControl(character)) {
+    writer_.Character(character);
+  }
+}
+
 void DeckAdapter::Reference(std::string_view text, std::size_t &at) {
   const std::string_view rest = text.substr(at);
   const CharacterReference reference = ReadReference(rest, ReferencePlace::kText);
   if (reference.length != 0) {
     at += reference.length;
-    if (reference.character == U' ' && !fields_.InOption()) {
-      writer_.FixedBlank();
-    } else if (reference.character == U'\t' || reference.character == U'\n' ||
-               reference.character == U'\r' || !IsControl(reference.character)) {
-      std::string character;
-      AppendUtf8(character, reference.character);
-      Write(character);
-    }
+    WriteCharacter(reference.character);
     return;
   }
   // The filter knows more names, and shows those that it does not know as they are.

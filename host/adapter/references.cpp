@@ -65,8 +65,22 @@ CharacterReference ReadNamed(std::string_view text, ReferencePlace place) {
   return {character, end + (terminated ? 1 : 0)};
 }
 
+constexpr std::uint32_t kNoCharacter = 0x110000;
+
+// Decimal digits and a semicolon, as nearly all references to numbers are.
+CharacterReference ReadPlainNumber(std::string_view text) {
+  std::uint32_t value = 0;
+  std::size_t at = 2;
+  for (; at < text.size() && IsDigit(text[at]); ++at) {
+    value = std::min(value * 10 + static_cast<std::uint32_t>(text[at] - '0'), kNoCharacter);
+  }
+  if (at == 2 || at == text.size() || text[at] != ';') return {};
+  return {value, at + 1};
+}
+
 // The number itself, whatever it means.
 CharacterReference ReadNumber(std::string_view text) {
+  if (const CharacterReference plain = ReadPlainNumber(text); plain.length != 0) return plain;
   std::size_t at = 2;
   const bool marked = at < text.size() && ToLower(text[at]) == 'x';
   if (marked) ++at;
@@ -86,7 +100,7 @@ CharacterReference ReadNumber(std::string_view text) {
   for (; at < end; ++at) {
     const char c = ToLower(text[at]);
     const auto digit = static_cast<std::uint32_t>(IsDigit(c) ? c - '0' : c - 'a' + 10);
-    value = std::min<std::uint32_t>(value * base + digit, 0x110000);
+    value = std::min(value * base + digit, kNoCharacter);
   }
   return {value, end + (terminated ? 1 : 0)};
 }

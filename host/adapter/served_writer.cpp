@@ -6,6 +6,7 @@
 #include <charconv>
 
 #include "host/adapter/ascii.h"
+#include "host/utf8.h"
 
 namespace vs_wml {
 namespace {
@@ -139,6 +140,15 @@ void ServedWriter::Text(std::string_view text) {
   BeforeContent();
   AppendEscaped(served_, text.substr(0, end), Place::kText);
   if (end != text.size()) whiteSpace_ += text.substr(end);
+}
+
+void ServedWriter::Character(char32_t character) {
+  BeforeContent();
+  if (character < 0x80) {
+    AppendSpecial(served_, static_cast<char>(character), Place::kText);
+  } else {
+    AppendUtf8(served_, character);
+  }
 }
 
 void ServedWriter::NamedReference(std::string_view reference) {

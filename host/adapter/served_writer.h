@@ -59,6 +59,8 @@ class ServedWriter {
 
   /// Text without markup; white space and control characters are taken care of.
   void Text(std::string_view text);
+  /// A character that is neither white space nor a control character.
+  void Character(char32_t character);
   /// A reference that the filter resolves, "&alpha;".
   void NamedReference(std::string_view reference);
   /// A blank that stays one even where white space is collapsed.
