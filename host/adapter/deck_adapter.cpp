@@ -208,11 +208,12 @@ constexpr DeckAdapter::Element DeckAdapter::kElements[] = {
     {"wml", Place::kDeck, &DeckAdapter::BeginDeck, &DeckAdapter::EndDeck},
 };
 
-// Where in the index the search for a name starts, whatever its case.
+// Where in the index the search for a name starts, whatever its case; another slot for
+// each name of an element.
 constexpr std::size_t DeckAdapter::FirstSlot(std::string_view name) {
   const auto first = static_cast<unsigned char>(ToLower(name.front()));
   const auto last = static_cast<unsigned char>(ToLower(name.back()));
-  return (name.size() + 5U * first + 24U * last) % kIndexSize;
+  return (name.size() + 2U * first + 17U * last) % kIndexSize;
 }
 
 // A hash table: positions in kElements from 1 on, 0 for a free slot.

@@ -132,14 +132,17 @@ void ServedWriter::EndCard() {
 }
 
 void ServedWriter::Text(std::string_view text) {
-  const std::size_t first = SkipWhiteSpace(text, 0);
-  if (first != 0) whiteSpace_ += text.substr(0, first);
-  text.remove_prefix(first);
-  if (text.empty()) return;
   const std::size_t end = LengthWithoutWhiteSpace(text);
-  BeforeContent();
-  AppendEscaped(served_, text.substr(0, end), Place::kText);
-  if (end != text.size()) whiteSpace_ += text.substr(end);
+  const std::string_view behind = text.substr(end);
+  text = text.substr(0, end);
+  if (!text.empty() && AnythingBeforeContent()) {
+    const std::size_t first = SkipWhiteSpace(text, 0);
+    whiteSpace_ += text.substr(0, first);
+    text.remove_prefix(first);
+    BeforeContent();
+  }
+  AppendEscaped(served_, text, Place::kText);
+  if (!behind.empty()) whiteSpace_ += behind;
 }
 
 void ServedWriter::Character(char32_t character) {

@@ -107,6 +107,9 @@ class ServedWriter {
   bool IsOpen(Element element) const { return openCount_[static_cast<std::size_t>(element)] != 0; }
   void Push(Element element, Style style = {});
   void StartParagraph();
+  bool AnythingBeforeContent() const {
+    return paragraphEnded_ || link_ != kNoIndex || !whiteSpace_.empty();
+  }
   void BeforeContent();
   void FlushWhiteSpace();
   void WriteLinkStart(const ServedReference &reference);
