@@ -32,6 +32,20 @@ TEST(Utf8, IllFormedSequencesAreFoundAndReplaced) {
   }
 }
 
+// Every lead byte with every byte behind it, across the words that are looked at at once.
+TEST(Utf8, ValidIsWhatHasNothingIllFormed) {
+  for (unsigned pair = 0; pair < 0x10000; ++pair) {
+    std::string text(pair % 10, 'a');
+    text += static_cast<char>(pair >> 8U);
+    text += static_cast<char>(pair);
+    for (int following = 0; following <= 3; ++following) {
+      EXPECT_EQ(IsValidUtf8(text), FindIllFormedUtf8(text) == text.size())
+          << std::hex << pair << ' ' << following;
+      text += '\x80';
+    }
+  }
+}
+
 TEST(Utf8, TheAsciiPrefixEndsWhereItEnds) {
   for (std::size_t length = 0; length <= 20; ++length) {
     std::string text(length, 'a');
@@ -52,6 +66,18 @@ TEST(TextLayout, ColumnsAreThoseOfATerminal) {
   EXPECT_EQ(ColumnWidth("😀"), 2U);
   EXPECT_EQ(ColumnWidth("Жя\u0483 Ωμ"), 5U);  // with a combining mark
   EXPECT_EQ(ColumnWidth("–’…€₩\u200B\u202A"), 5U);
+}
+
+TEST(TextLayout, NarrowTextTakesAColumnForEachCharacter) {
+  for (const char *text : {"", "abc", "größer", "Ωμ Жя", "’", "5 €"}) {
+    EXPECT_TRUE(IsNarrow(text)) << text;
+  }
+  for (char32_t character = 0x80; character < 0x30000; ++character) {
+    std::string text(character % 40, 'a');
+    AppendUtf8(text, character);
+    EXPECT_TRUE(!IsNarrow(text) || ColumnWidth(character) == 1) << text;
+    EXPECT_EQ(IsNarrow(text), IsNarrow(text + "bcd")) << text;
+  }
 }
 
 TEST(TextLayout, LinesBreakWhereWordsEnd) {
