@@ -603,8 +603,8 @@ std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_
 }
 
 // The value of an attribute as it stands in the tag that the filter has just read: it
-// takes apostrophes around the values that it hands over for part of them, and ends
-// them at an equals sign and at 1023 bytes.
+// takes apostrophes around the values that it hands over, and a slash right behind them,
+// for part of them, and ends them at an equals sign and at 1023 bytes.
 std::string BlockBuilder::WholeValue(std::string value, std::string_view tag,
                                      std::string_view attribute) const {
   const SourceTag source = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), tag);
@@ -613,6 +613,7 @@ std::string BlockBuilder::WholeValue(std::string value, std::string_view tag,
   std::string text = CleanText(TextOfBytes(*whole));
   std::string_view start = value;
   if (start.starts_with('\'')) start.remove_prefix(1);
+  if (start.ends_with("'/")) start.remove_suffix(1);
   if (start.ends_with('\'')) start.remove_suffix(1);
   return text.starts_with(start) ? text : value;
 }
