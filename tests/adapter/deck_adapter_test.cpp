@@ -70,6 +70,7 @@ constexpr ContentCase kCharacters[] = {
      "α&vepsilon;&unknown;&amp;averylongname; &amp;x"},
     {"a\x0E\x1B$(B\x7F\xC2\x85z", "a$$(Bz"},
     {"$$ $5 $ $( $(a b) $(x:y)", "$$ $$5 $$ $$( $$(a b) $$(x:y)"},
+    {"$_a1 $(_b) $1 $(a $(a: $(a:e", "{_a1} {_b} $$1 $$(a $$(a: $$(a:e"},
     {"$x $(x) $(x:e) $x:escape", "{x} {x} {x} {x}:escape"},
 };
 INSTANTIATE_TEST_SUITE_P(Characters, Content, testing::ValuesIn(kCharacters));
@@ -166,10 +167,12 @@ INSTANTIATE_TEST_SUITE_P(Documents, Document, testing::ValuesIn(kDocuments));
 
 TEST(DeckAdapter, GivesVariablesTheirValues) {
   AdapterOptions options;
-  options.variables = {{"given", "1 & 2"}, {"hex", "a%C3%A5%zz"}, {"bad", "%9B"}};
-  EXPECT_EQ(ServedContent("<setvar name='given' value='no'/>$given $(given:e) $(hex:u) $(bad:u)",
+  options.variables = {
+      {"given", "1 & 2"}, {"hex", "a%C3%A5%zz"}, {"bad", "%9B"}, {"plain", "-._~/"}};
+  EXPECT_EQ(ServedContent("<setvar name='given' value='no'/>$given $(given:e) $(hex:u) $(bad:u) "
+                          "$(plain:e)",
                           options),
-            "1 &amp; 2 1%20%26%202 aå%zz %9B");
+            "1 &amp; 2 1%20%26%202 aå%zz %9B -._~%2F");
   EXPECT_EQ(ServedContent("<setvar name='a' value='x y'/><setvar name='b' value='$(a:e)'/>"
                           "<input name='i' value='v'/>$a $b $i"),
             "<a href=\"unwml:f:0\">[i: v]</a>x y x%20y v");

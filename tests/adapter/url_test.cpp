@@ -23,6 +23,8 @@ constexpr UrlCase kCases[] = {
     {"g?y/../x#s/../t", "http://a/b/c/g?y/../x#s/../t"},
     {"bilde å{v}.wbmp", "http://a/b/c/bilde%20%C3%A5%7Bv%7D.wbmp"},
     {"100%", "http://a/b/c/100%25"},
+    {"a%2", "http://a/b/c/a%252"},
+    {"a%zz%g0%0g%20", "http://a/b/c/a%25zz%25g0%250g%20"},
     {"#card", "#card"},
     {"", ""},
     {"mailto:x@y", "mailto:x@y"},

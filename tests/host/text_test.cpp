@@ -66,6 +66,22 @@ TEST(TextLayout, ColumnsAreThoseOfATerminal) {
   EXPECT_EQ(ColumnWidth("😀"), 2U);
   EXPECT_EQ(ColumnWidth("Жя\u0483 Ωμ"), 5U);  // with a combining mark
   EXPECT_EQ(ColumnWidth("–’…€₩\u200B\u202A"), 5U);
+  // The first and the last of ranges that are told apart without a look-up.
+  const struct {
+    const char *characters;
+    std::size_t each;
+  } ranges[] = {
+      {"\u02FF\u0386\u0482\u048A\u052F\u2010\u2027\u20A0\u20BF\u303F\uA4D0\uD7B0", 1},
+      {"\u3041\u3096\u30A0\u30A1\u30FF\u4E00\u9FFF\uAC00\uD7A3\uFF01\uFF60\u3000", 2},
+      {"\u0300\u036F\u0483\u0489\u3099\u00AD\u200B\u20D0\u20F0\u202E\uFE0F", 0},
+  };
+  for (const auto &[characters, each] : ranges) {
+    const std::string text = characters;
+    for (std::size_t at = 0; at < text.size();) {
+      const std::size_t start = at;
+      EXPECT_EQ(NextWidth(text, at), each) << text.substr(start, at - start);
+    }
+  }
 }
 
 TEST(TextLayout, NarrowTextTakesAColumnForEachCharacter) {
@@ -116,8 +132,9 @@ TEST(TextLayout, LinesBreakWhereWordsEnd) {
 }
 
 TEST(Target, OnlySchemesThatRunNothingAreFollowed) {
-  for (const char *target : {"", "a.wml", "#card", "../x?y=z:1", "http://x/", "HTTPS://x/",
-                             "mailto:a@b", "tel:1", "wtai://wp/mc;1", "//host/x", "a/b:c"}) {
+  for (const char *target :
+       {"", "a.wml", "#card", "../x?y=z:1", "http://x/", "HTTPS://x/", "mailto:a@b", "tel:1",
+        "wtai://wp/mc;1", "//host/x", "a/b:c", "a?javascript:x", "a#javascript:x"}) {
     EXPECT_TRUE(IsSafeTarget(target)) << target;
   }
   for (const char *target : {"javascript:alert(1)", "JavaScript:x", " java\tscript:x",
