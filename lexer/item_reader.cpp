@@ -74,8 +74,8 @@ ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc) {
       ReadAmpersand(&item, ch, text, proc);
       break;
     default:
-      SetChar(c, &item, ch);
-      break;
+      *ch = c;
+      return {TAG_NONE, ITEM_CHAR};
   }
   return item;
 }
