@@ -11,6 +11,8 @@
 
 namespace {
 
+// Out of line, as are the other handlers of tags that need much: the frequent tags of styles
+// and cells do not save and restore registers for them.
 [[gnu::noinline]] void BeginCard(WmlProc *proc) {
   WmlSave &save = proc->save;
   save.modeFlags |= MODE_IN_CARD;

@@ -84,9 +84,8 @@ char32_t FirstCharacter(std::string_view text) {
 }
 
 char32_t LastCharacter(std::string_view text) {
-  constexpr auto kIsTrail = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; };
   std::size_t start = text.size();
-  while (start > 0 && kIsTrail(text[--start])) {
+  while (start > 0 && !StartsCharacter(text[--start])) {
   }
   return FirstCharacter(text.substr(start));
 }

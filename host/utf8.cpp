@@ -231,10 +231,11 @@ std::string WithoutControls(std::string text) {
   for (std::size_t offset = 0; offset < text.size();) {
     const std::size_t start = offset;
     if (IsControl(NextCharacter(text, offset))) continue;
-    if (kept != start)
+    if (kept != start) {
       std::copy(text.begin() + static_cast<std::ptrdiff_t>(start),
                 text.begin() + static_cast<std::ptrdiff_t>(offset),
                 text.begin() + static_cast<std::ptrdiff_t>(kept));
+    }
     kept += offset - start;
   }
   text.resize(kept);

@@ -5,7 +5,8 @@
 
 namespace {
 
-// Inside quotes, all but the last two are part of the value.
+// The order counts: inside quotes a value goes on through all classes in front of QUOTE,
+// in multi-byte text only through those in front of HIGH.
 enum ByteClass : uint8_t {
   NAME,   // part of a name or of an unquoted value
   BLANK,  // between words
