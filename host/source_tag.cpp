@@ -57,7 +57,7 @@ SourceTag SourceTag::EndingAt(std::string_view bytes, std::size_t offset, std::s
   const std::size_t begin = offset - std::min(offset, kLongestTag);
   const std::string_view before = bytes.substr(begin, offset - begin);
   std::size_t at = before.rfind('<');
-  for (int bracket = 0; at != std::string_view::npos && bracket < kMostBrackets; ++bracket) {
+  for (int bracket = 0; at != std::string_view::npos && bracket <= kMostBrackets; ++bracket) {
     std::string_view text = before.substr(at + 1);
     SkipSpace(text);
     if (text.size() > name.size() && EqualsIgnoringCase(text.substr(0, name.size()), name) &&
