@@ -16,6 +16,7 @@
 namespace vs_wml {
 namespace {
 
+using namespace std::string_literals;
 using namespace std::string_view_literals;
 namespace fs = std::filesystem;
 
@@ -39,6 +40,12 @@ TEST(Wbmp, ReadsLongNumbersAndExtensionHeaders) {
   ASSERT_TRUE(wide);
   EXPECT_EQ(wide->width, 128U);
   EXPECT_TRUE(DecodeWbmp("\0\x80\x81\x01\x08\x01\xFF"sv));
+  EXPECT_TRUE(DecodeWbmp("\0\x60\x08\x01\xFF"sv)) << "a type of headers without a header";
+  EXPECT_TRUE(DecodeWbmp("\0\0\x80\x80\x08\x80\x01\xFF"sv));
+  const std::string longest = "\0\0\xA0\0\x01"s + std::string(512, '\x7F');
+  ASSERT_TRUE(DecodeWbmp(longest));
+  EXPECT_EQ(DecodeWbmp(longest)->width, 4096U);
+  EXPECT_TRUE(DecodeWbmp("\0\0\x01\xA0\0"s + std::string(4096, '\x7F')));
 }
 
 TEST(Wbmp, RefusesDamage) {
@@ -52,6 +59,8 @@ TEST(Wbmp, RefusesDamage) {
       "\0\0\x08\0"sv,                            // no height
       "\0\0\xFF\xFF\xFF\xFF\xFF\xFF\x01\xFF"sv,  // a width without end
       "\0\0\xA0\x01\x01\xFF"sv,                  // 4097 pixels wide
+      "\0\0\x08\xA0\x01\xFF"sv,                  // and high
+      "\0\0\x80\x80\x80\x08\x01\xFF"sv,          // a width of four bytes
       "\0\x80\x80\x80\x80"sv,                    // extension headers without end
       "\0\xE0\x00\x08\x01\xFF"sv,                // extension headers with parameters
       "\x80\x80\x80\x80\0\x08\x01\xFF"sv,        // a type without end
@@ -64,6 +73,12 @@ TEST(Wbmp, FillsWhatIsMissing) {
   const auto bitmap = DecodeWbmp("\0\0\x08\x02\x00"sv);
   ASSERT_TRUE(bitmap);
   EXPECT_EQ(bitmap->rows, (std::vector<std::uint8_t>{0x00, 0xFF}));
+  // Half of an odd number of bytes; and what is there beyond the last row.
+  EXPECT_FALSE(DecodeWbmp("\0\0\x08\x03\x01"sv));
+  EXPECT_EQ(DecodeWbmp("\0\0\x08\x03\x01\x02"sv)->rows, (std::vector<std::uint8_t>{1, 2, 0xFF}));
+  EXPECT_EQ(DecodeWbmp("\0\0\x08\x01\x01\x02"sv)->rows, (std::vector<std::uint8_t>{1}));
+  EXPECT_EQ(DecodeWbmp("\0\0\x09\x02\xFF\xFF"sv)->rows,
+            (std::vector<std::uint8_t>{0xFF, 0x80, 0xFF, 0x80}));
 }
 
 TEST(Png, HoldsThePixels) {
@@ -98,8 +113,9 @@ class Finder : public testing::Test {
   void SetUp() override {
     root_ = fs::temp_directory_path() /
             ("vs_wml_finder_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-    for (const char *file : {"deck/a b.wbmp", "deck/sub/c.wbmp", "assets/host/x.wbmp",
-                             "assets/y.wbmp", "secret.wbmp"}) {
+    for (const char *file :
+         {"deck/a b.wbmp", "deck/sub/c.wbmp", "assets/host/x.wbmp", "assets/y.wbmp",
+          "assets/a b.wbmp", "assets/host/sub/z.wbmp", "secret.wbmp"}) {
       fs::create_directories((root_ / file).parent_path());
       std::ofstream(root_ / file) << file;
     }
@@ -109,7 +125,10 @@ class Finder : public testing::Test {
 
   // The file that is found, as a path below the root.
   std::string Find(std::string_view source) {
-    const auto found = FindPicture(source, {root_ / "deck", root_ / "assets"});
+    return Find(source, {root_ / "deck", root_ / "assets"});
+  }
+  std::string Find(std::string_view source, const PictureFolders &folders) {
+    const auto found = FindPicture(source, folders);
     return found ? found->lexically_relative(fs::canonical(root_)).string() : "";
   }
 
@@ -123,6 +142,25 @@ TEST_F(Finder, LooksBesideTheDocumentAndInTheAssets) {
   EXPECT_EQ(Find("http://host/x.wbmp"), "assets/host/x.wbmp");
   EXPECT_EQ(Find("/some/where/y.wbmp"), "assets/y.wbmp");
   EXPECT_EQ(Find("http://other/some/y.wbmp"), "assets/y.wbmp");
+  EXPECT_EQ(Find("http://other/host/sub/z.wbmp"), "assets/host/sub/z.wbmp");
+  EXPECT_EQ(Find("//host/x.wbmp"), "assets/host/x.wbmp");
+  EXPECT_EQ(Find("https://host/x.wbmp#sub/c.wbmp"), "assets/host/x.wbmp");
+  EXPECT_EQ(Find("http://other/a%20b.wbmp"), "assets/a b.wbmp") << "not beside";
+  EXPECT_EQ(Find("/a b.wbmp"), "assets/a b.wbmp");
+  EXPECT_EQ(Find("http://y.wbmp"), "assets/y.wbmp");
+  EXPECT_EQ(Find("http://sub/c.wbmp"), "");
+  EXPECT_EQ(Find("none.wbmp"), "");
+}
+
+TEST_F(Finder, LooksNowhereElse) {
+  const PictureFolders beside{root_ / "deck", {}};
+  const PictureFolders assets{{}, root_ / "assets"};
+  EXPECT_EQ(Find("sub/c.wbmp", beside), "deck/sub/c.wbmp");
+  EXPECT_EQ(Find("y.wbmp", beside), "");
+  EXPECT_EQ(Find("/sub/c.wbmp", beside), "");
+  EXPECT_EQ(Find("sub/c.wbmp", assets), "");
+  EXPECT_EQ(Find("host/x.wbmp", assets), "assets/host/x.wbmp");
+  EXPECT_EQ(Find("y.wbmp", {root_ / "none", root_ / "none"}), "");
 }
 
 TEST_F(Finder, StaysInside) {
