@@ -167,6 +167,7 @@ TEST(WmlcCheck, MeasuresWhatTheTokensStandFor) {
       {"\x7F\x02\x81"sv, 0, 0},
       {"\x7F\x03xy\0\x01"sv, 1, 66},  // strings
       {"\x7F\x03xy\x01"sv, 0, 0},
+      {"\x7F\x03\x01"sv, 0, 0},
       {"\x7F\x40x\0\x41yz\0\x42\0\x01"sv, 1, 131},
       {"\x7F\x80\x00\x81\x01\x82\x04\x01"sv, 1, 135},  // of the table
       {"\x7F\x83\x05\x01"sv, 1, 65},
