@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <span>
 
 namespace vs_wml {
@@ -87,6 +88,10 @@ void AppendCharacter(std::string &text, std::uint32_t character) {
   }
 }
 
+std::string Element(std::string_view name, std::size_t index) {
+  return std::string(name) + '[' + std::to_string(index) + ']';
+}
+
 /// One line under construction; every method appends an argument.
 class Line {
  public:
@@ -123,7 +128,9 @@ class Line {
     return Word(std::string(name) + "!=0x" + Hex(value, 1));
   }
   Line &Constants(std::string_view name, std::span<const std::uint32_t> values) {
-    for (const std::uint32_t value : values) Constant(name, value, 0);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (values[i] != 0) Constant(Element(name, i), values[i], 0);
+    }
     return *this;
   }
   Line &Word(std::string_view word) {
@@ -143,8 +150,10 @@ std::string SideText(const SideDescription &side) {
   } else if (side.hidden != 0) {
     text += "/hidden!=0x" + Hex(side.hidden, 1);
   }
-  for (const std::uint32_t word : side.reserved) {
-    if (word != 0) text += "/reserved!=0x" + Hex(word, 1);
+  for (std::size_t i = 0; i < std::size(side.reserved); ++i) {
+    if (side.reserved[i] != 0) {
+      text += '/' + Element("reserved", i) + "!=0x" + Hex(side.reserved[i], 1);
+    }
   }
   return text;
 }
