@@ -247,26 +247,38 @@ void BlockBuilder::EmitOther(std::uint32_t unit) {
 
 void BlockBuilder::EmitCoded(std::uint32_t code) {
   if (charset_ != HOST_CS_UNICODE) {
+    FlushSurrogate();
     if (code > 0xFF) coded_ += static_cast<char>(code >> 8U);
     coded_ += static_cast<char>(code);
     return;
   }
-  if (code >= 0xD800 && code < 0xDC00) {
-    highSurrogate_ = code;
+  if (highSurrogate_ != 0 && code >= 0xDC00 && code < 0xE000) {
+    const char32_t high = std::exchange(highSurrogate_, 0);
+    AppendCharacter(0x10000 + ((high - 0xD800) << 10U) + (code - 0xDC00));
     return;
   }
-  char32_t character = code;
-  if (highSurrogate_ != 0 && code >= 0xDC00 && code < 0xE000) {
-    character = 0x10000 + ((highSurrogate_ - 0xD800) << 10U) + (code - 0xDC00);
+  FlushSurrogate();
+  if (code >= 0xD800 && code < 0xDC00) {
+    highSurrogate_ = code;
+  } else {
+    AppendCharacter(code);
   }
-  highSurrogate_ = 0;
-  AppendCharacter(character);
 }
 
 void BlockBuilder::SwitchCharset(std::uint32_t hostCharset) {
   FlushCoded();
   charset_ = hostCharset;
   storedUnits_ = deck_.servedAsUtf8 && hostCharset != HOST_CS_UNICODE ? kServedBytes : kAscii;
+}
+
+// A surrogate whose other half does not follow shows as U+FFFD.
+void BlockBuilder::FlushSurrogate() {
+  if (highSurrogate_ != 0) AppendCharacter(std::exchange(highSurrogate_, 0));
+}
+
+void BlockBuilder::FlushCharacters() {
+  FlushSurrogate();
+  FlushCoded();
 }
 
 void BlockBuilder::FlushCoded() {
@@ -283,7 +295,7 @@ void BlockBuilder::FlushCoded() {
 
 // Ends the run that the text since the last one makes up.
 void BlockBuilder::CloseRun() {
-  FlushCoded();
+  FlushCharacters();
   if (text_.Size() == runStart_) return;
   const std::string_view tail = text_.View().substr(runStart_);
   if (std::exchange(runUnits_, 0) >= 0x80 && !IsValidUtf8(tail)) {
@@ -329,7 +341,7 @@ Content BlockBuilder::CurrentContent() const {
 
 void BlockBuilder::ControlCode(std::uint32_t code) {
   if (code == SO_CONTROL_TAB) {
-    FlushCoded();
+    FlushCharacters();
     text_.Add('\t');
   } else if (code == SO_CONTROL_CARD) {
     if (inTable_) CloseTable();
@@ -369,7 +381,7 @@ void BlockBuilder::EndLine() {
     return;
   }
   if (inTable_) {
-    FlushCoded();
+    FlushCharacters();
     text_.Add('\n');
     return;
   }

@@ -55,6 +55,8 @@ class BlockBuilder {
   void SwitchCharset(std::uint32_t hostCharset);
   void AppendCharacter(char32_t character);
   void FlushCoded();
+  void FlushSurrogate();
+  void FlushCharacters();
 
   void CloseRun();
   void SetStyle(const TextStyle &style);
