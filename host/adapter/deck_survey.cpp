@@ -37,7 +37,8 @@ class Surveyor {
     } else if (is("setvar") || is("input")) {
       NoteValue(token);
     } else if (is("table") && !token.empty) {
-      if (tableDepth_++ == 0) tableColumns.push_back(0);
+      if (tableDepth_++ != 0) return;
+      tableColumns.push_back(0);
       cells_ = 0;
     } else if (is("tr")) {
       if (tableDepth_ == 1) cells_ = 0;
