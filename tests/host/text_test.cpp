@@ -134,7 +134,8 @@ TEST(TextLayout, LinesBreakWhereWordsEnd) {
 TEST(Target, OnlySchemesThatRunNothingAreFollowed) {
   for (const char *target :
        {"", "a.wml", "#card", "../x?y=z:1", "http://x/", "HTTPS://x/", "mailto:a@b", "tel:1",
-        "wtai://wp/mc;1", "//host/x", "a/b:c", "a?javascript:x", "a#javascript:x"}) {
+        "ftp:x", "sms:1", "smsto:1", "mms:x", "rtsp://x", "wtai://wp/mc;1", "a\\b:c", "//host/x",
+        "a/b:c", "a?javascript:x", "a#javascript:x"}) {
     EXPECT_TRUE(IsSafeTarget(target)) << target;
   }
   for (const char *target : {"javascript:alert(1)", "JavaScript:x", " java\tscript:x",
@@ -142,9 +143,56 @@ TEST(Target, OnlySchemesThatRunNothingAreFollowed) {
                              "file:///etc/passwd", "blob:x", "java\nscript:x", ":x", "x y:z"}) {
     EXPECT_FALSE(IsSafeTarget(target)) << target;
   }
-  EXPECT_TRUE(IsSafeSource("pics/a.wbmp"));
+  for (const char *source : {"pics/a.wbmp", "http://x", "HttpS:x", "", "a/b:c"}) {
+    EXPECT_TRUE(IsSafeSource(source)) << source;
+  }
+  for (const char *source : {"file:///a", "ftp:x", "mailto:x", "java script:x", "ht\xC3\xA5:x"}) {
+    EXPECT_FALSE(IsSafeSource(source)) << source;
+  }
   EXPECT_FALSE(IsSafeSource("data:image/svg+xml,x"));
   EXPECT_EQ(BaseName("http://h/a/b.wbmp?x=/y#z"), "b.wbmp");
+}
+
+TEST(Target, IsShownWithWhatIsSentThere) {
+  const auto text = [](TaskKind kind, const std::string &target, const std::string &method,
+                       const std::vector<NameValue> &fields) {
+    Action action;
+    action.task.kind = kind;
+    action.task.method = method;
+    action.task.postFields = fields;
+    Link link;
+    link.target = target;
+    link.action = &action;
+    return LinkTargetText(link);
+  };
+  EXPECT_EQ(text(TaskKind::kGo, "u", "get", {}), "u");
+  EXPECT_EQ(text(TaskKind::kGo, "u", "post", {}), "POST u");
+  const std::vector<NameValue> fields = {{"a", "b", ""}, {"c", "", ""}};
+  EXPECT_EQ(text(TaskKind::kGo, "u", "post", fields), "POST u (a=b, c=)");
+  EXPECT_EQ(text(TaskKind::kGo, "u", "", {fields[0]}), "u (a=b)");
+  EXPECT_EQ(text(TaskKind::kGo, "#card", "post", fields), "#card");
+  EXPECT_EQ(text(TaskKind::kPrevious, "", "", {}), "(back)");
+  EXPECT_EQ(text(TaskKind::kRefresh, "", "", {}), "(refresh)");
+  EXPECT_EQ(text(TaskKind::kNothing, "", "", {}), "(nothing)");
+  EXPECT_EQ(text(TaskKind::kUnset, "", "", {}), "(nothing)");
+  Link plain;
+  plain.target = "#x";
+  EXPECT_EQ(LinkTargetText(plain), "#x");
+}
+
+TEST(Target, HasALastPart) {
+  const struct {
+    const char *target;
+    const char *name;
+  } cases[] = {{"a", "a"},  {"a/b", "b"},  {"a/b/", "b"},     {"a//", "a"},     {"/", ""},
+               {"", ""},    {"?a/b", ""},  {"a#b/c", "a"},    {"a/b?c#d", "b"}, {"a/?b", "a"},
+               {"/a", "a"}, {"a/b#", "b"}, {"http://h", "h"}, {"a\\b", "a\\b"}};
+  for (const auto &item : cases) EXPECT_EQ(BaseName(item.target), item.name) << item.target;
+  Image image;
+  image.source = "a/b.wbmp?c";
+  EXPECT_EQ(ImageLabel(image), "b.wbmp");
+  image.alternative = "B";
+  EXPECT_EQ(ImageLabel(image), "B");
 }
 
 }  // namespace
