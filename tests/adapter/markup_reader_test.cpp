@@ -69,6 +69,7 @@ TEST(MarkupReader, SplitsTextAndTags) {
       {"< b>", "[<b>]"},
       {"<\tBr / >", "[<Br>]"},
       {"< br/>", "[<br/>]"},
+      {"< b/>", "[<b/>]"},
       {"< b1>", "[< b1>]"},
       {"< b c>", "[< b c>]"},
       {"< >", "[< >]"},
@@ -160,7 +161,11 @@ TEST(MarkupReader, PassesOverWhatIsNoText) {
       {"<?php if (a > b) ?>a", "[a]"},
       {"<?php a>b", "[b]1"},
       {"<?php", "1"},
-      {"<? ?>a", "[a]"},
+      {"<?"
+       "?>a",
+       "[a]"},
+      {"<?>a", "[a]1"},
+      {"<%%>a", "[a]1"},
       {"<%= a > b %>c", "[c]1"},
       {"<% a>b", "[b]2"},
       // Literal text.
@@ -173,7 +178,7 @@ TEST(MarkupReader, PassesOverWhatIsNoText) {
   for (const auto &item : cases) EXPECT_EQ(Tokens(item.document), item.tokens) << item.document;
 }
 
-TEST(MarkupReader, FindsAttributesInAnyCase) {
+TEST(MarkupReader, TellsWhereTokensStandAndFindsAttributesInAnyCase) {
   Token token;
   MarkupReader reader("<b XML:lang='1' Id='2' ID='3' idx='4'>", nullptr);
   ASSERT_TRUE(reader.Next(token));
@@ -181,6 +186,11 @@ TEST(MarkupReader, FindsAttributesInAnyCase) {
   EXPECT_EQ(*token.Find("id"), "2");
   EXPECT_EQ(token.Find("i"), nullptr);
   EXPECT_EQ(token.offset, 0U);
+  MarkupReader texts("<!---->a<b>", nullptr);
+  ASSERT_TRUE(texts.Next(token));
+  EXPECT_EQ(token.offset, 7U);
+  ASSERT_TRUE(texts.Next(token));
+  EXPECT_EQ(token.offset, 8U);
 }
 
 }  // namespace

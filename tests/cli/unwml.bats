@@ -246,3 +246,98 @@ unwml() { "$UNWML" "$@"; }
   unwml -t json odd.wml "$VS_WML_SOURCE"/{examples/decks,tests/host/cases}/*.wml |
     python3 "$VS_WML_SOURCE/tests/cli/json_schema.py" "$VS_WML_SOURCE/docs/unwml.schema.json"
 }
+
+# The bar appears a tenth of a second after the start, at the earliest; the first document comes
+# later than that, however slow the machine.
+@test "progress is shown on a terminal while the output goes elsewhere" {
+  command -v script >/dev/null || skip "no script"
+  mkfifo late.wml
+  show() { # show COMMAND: what the terminal gets
+    timeout 20 bash -c '{ sleep 0.2 && cat a.wml; } >late.wml' 3>&- &
+    TERM=xterm script -qefc "$1" /dev/null </dev/null || true
+    wait
+  }
+  screen=$(show "'$UNWML' late.wml missing.wml a.wml >out.txt")
+  bar=$'\r\\[##########                    \\] 1/3  [0-9]+ decks/s  0\\.0 MB/s  0:[0-9][0-9] left\e\\[K'
+  [[ $screen =~ ^$bar ]]
+  [[ $screen == *$'left\e[K\r\e[Kunwml: missing.wml: No such file or directory'* ]]
+  [ "$(grep -c Apple out.txt)" = 2 ]
+  # No bar for one document, nor where it would stand in the output or in a file.
+  [ -z "$(show "'$UNWML' late.wml >out.txt")" ]
+  [[ $(show "'$UNWML' late.wml a.wml") != *decks/s* ]]
+  [ -z "$(show "'$UNWML' late.wml a.wml >out.txt 2>errors.txt")" ]
+  [ ! -s errors.txt ]
+}
+
+@test "inputs are found where they are named, in order and once each" {
+  deck in/b.wml B
+  deck in/a/z.wml AZ
+  deck in/c.WMLC C
+  deck in/.hidden.wml H
+  deck in/no.wmls N
+  deck in/no.xml N
+  ln -s a in/link
+  ln -s ../a.wml in/file.wml
+  run unwml -t json in
+  [ "$status" = 0 ]
+  expected=$(printf 'in/.hidden.wml\nin/a/z.wml\nin/b.wml\nin/c.WMLC\nin/file.wml')
+  [ "$(grep -o '"source":"[^"]*"' <<<"$output" | cut -d'"' -f4)" = "$expected" ]
+  mkdir empty
+  run unwml empty
+  [ "$status" = 0 ]
+  [ -z "$output" ]
+  run unwml -o out ../"$(basename "$PWD")"/in/b.wml "$PWD/in/a/z.wml" ./in/../a.wml
+  [ "$status" = 0 ]
+  [ "$(cd out && echo *)" = "a.txt b.txt z.txt" ]
+  run unwml -t json -o out - <a.wml
+  [ -s out/stdin.json ]
+}
+
+@test "lists may end their lines as they like" {
+  printf 'a.wml\r\n\r\n\na.wml' >list
+  run unwml -t json --files-from list
+  [ "$status" = 0 ]
+  [ "${#lines[@]}" = 2 ]
+  printf 'a.wml\r\0' >list
+  run unwml --files-from list
+  [ "$status" = 1 ]
+  : >list
+  run unwml --files-from list
+  [ "$status" = 0 ]
+  [ -z "$output" ]
+  run unwml --files-from .
+  [ "$status" = 1 ]
+  [ "$output" = "unwml: .: is a directory" ]
+}
+
+@test "outputs have the mode of the user's files and go where they can" {
+  umask 027
+  run unwml -o out/deep/er a.wml
+  [ "$status" = 0 ]
+  [ "$(stat -c %a out/deep/er/a.txt)" = 640 ]
+  echo kept >blocked
+  run unwml -o blocked/deep a.wml
+  [ "$status" = 1 ]
+  [[ $output == "unwml: a.wml: "*": "* ]]
+  [ "$(cat blocked)" = kept ]
+  mkdir -p taken/a.txt
+  run unwml -o taken a.wml
+  [ "$status" = 1 ]
+  [[ $output == "unwml: a.wml: "* ]]
+  [ "$(ls -A taken)" = a.txt ]
+  for format in text html json markdown trace; do unwml -t $format -o formats a.wml; done
+  [ "$(cd formats && echo *)" = "a.html a.json a.md a.trace a.txt" ]
+}
+
+@test "a trace that cannot be written ends as other outputs do" {
+  [ -e /dev/full ] || skip "no /dev/full"
+  for i in $(seq 2000); do echo "<p>paragraph $i</p>"; done >text
+  echo "<wml><card>$(cat text)</card></wml>" >long.wml
+  run bash -c '"$0" -t trace long.wml >/dev/full' "$UNWML"
+  [ "$status" = 1 ]
+  [ "$output" = "unwml: standard output: No space left on device" ]
+  run unwml -t trace -o out long.wml
+  [ "$status" = 0 ]
+  unwml -t trace long.wml | cmp - out/long.trace
+  [ "$(tail -n 1 out/long.trace)" = 'SOEmitBreak document' ]
+}
