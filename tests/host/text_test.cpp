@@ -3,6 +3,8 @@
 // Widths, lines and targets.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -115,6 +117,7 @@ TEST(TextLayout, LinesBreakWhereWordsEnd) {
       {"–日本 語", 5, LongWords::kKeep, {"–日本", "語"}},
       {"日本語テスト", 6, LongWords::kKeep, {"日本語", "テスト"}},
       {"日本語。続", 6, LongWords::kKeep, {"日本", "語。続"}},  // no line begins with a full stop
+      {"かなかな", 4, LongWords::kKeep, {"かな", "かな"}},
       {"a\nb c", 9, LongWords::kKeep, {"a", "b c"}},
       {"word ", 4, LongWords::kKeep, {"word"}},
   };
@@ -128,6 +131,98 @@ TEST(TextLayout, LinesBreakWhereWordsEnd) {
       EXPECT_EQ(line.columns, ColumnWidth(found.back())) << text;
     }
     EXPECT_EQ(found, item.lines) << text;
+  }
+}
+
+// The lines of a text whose characters take a column each, broken one character at a time.
+std::vector<std::string> SlowLines(std::u32string text, std::size_t width, bool breaks) {
+  const auto trimmed = [](std::u32string line) {
+    line.resize(line.find_last_not_of(U' ') + 1);
+    std::string bytes;
+    for (const char32_t character : line) AppendUtf8(bytes, character);
+    return bytes;
+  };
+  text.resize(text.find_last_not_of(U' ') + 1);
+  std::vector<std::string> lines;
+  while (text.size() > width) {
+    std::size_t next = text.find_last_of(U' ', width - 1) + 1;
+    if (text[width] == U' ' || (next == 0 && !breaks)) {
+      next = text.find_first_not_of(U' ', text.find(U' ', width));
+      if (text.find(U' ', width) == std::u32string::npos) next = text.size();
+    } else if (next == 0) {
+      next = width;
+    }
+    lines.push_back(trimmed(text.substr(0, next)));
+    text.erase(0, next);
+  }
+  if (!text.empty() || lines.empty()) lines.push_back(trimmed(text));
+  return lines;
+}
+
+std::vector<std::string> BrokenLines(const std::string &text, std::size_t width, bool breaks) {
+  std::vector<Line> lines;
+  BreakLines("<" + text + ">", 1, 1 + text.size(), width,
+             breaks ? LongWords::kBreak : LongWords::kKeep, lines);
+  std::vector<std::string> found;
+  for (const Line &line : lines) {
+    found.push_back(text.substr(line.begin - 1, line.end - line.begin));
+    EXPECT_EQ(line.columns, ColumnWidth(found.back())) << text;
+  }
+  return found;
+}
+
+std::string WithoutBlanks(std::string text) {
+  std::erase(text, ' ');
+  return text;
+}
+
+TEST(TextLayout, LinesAreThoseOfASlowBreaker) {
+  std::mt19937 random(1);
+  for (int i = 0; i < 1500; ++i) {
+    std::u32string characters;
+    std::string text;
+    for (std::size_t left = random() % 40; left > 0; --left) {
+      characters += U"abcdefgh    é’я"[random() % (i % 2 == 0 ? 12 : 15)];
+      AppendUtf8(text, characters.back());
+    }
+    std::size_t widest = 0;
+    for (std::size_t at = 0; at < characters.size(); ++at) {
+      const std::size_t end = std::min(characters.find(U' ', at), characters.size());
+      widest = std::max(widest, end - at);
+      at = end;
+    }
+    EXPECT_EQ(WidestWord(text), widest) << text;
+    EXPECT_EQ(WidestWord("a\n" + text + "\n"), std::max<std::size_t>(widest, 1)) << text;
+    for (std::size_t width = 1; width < 12; ++width) {
+      for (const bool breaks : {false, true}) {
+        EXPECT_EQ(BrokenLines(text, width, breaks), SlowLines(characters, width, breaks))
+            << '"' << text << "\" " << width << breaks;
+      }
+    }
+  }
+}
+
+TEST(TextLayout, WideTextIsKeptWholeWithinItsWidth) {
+  const char *const parts[] = {"a", "b ", " ", "日", "本", "。", "（", "é", "e\u0301", "ｱ", "😀"};
+  std::mt19937 random(1);
+  for (int i = 0; i < 400; ++i) {
+    std::string text;
+    for (std::size_t left = random() % 30; left > 0; --left) text += parts[random() % 11];
+    EXPECT_LE(WidestWord(text), ColumnWidth(text));
+    for (std::size_t width = 1; width < 9; ++width) {
+      for (const bool breaks : {false, true}) {
+        std::string all;
+        for (const std::string &line : BrokenLines(text, width, breaks)) {
+          all += line;
+          EXPECT_FALSE(line.ends_with(' ')) << text;
+          EXPECT_TRUE(IsValidUtf8(line)) << text;
+          if (breaks) {
+            EXPECT_LE(ColumnWidth(line), std::max<std::size_t>(width, 2)) << text;
+          }
+        }
+        EXPECT_EQ(WithoutBlanks(all), WithoutBlanks(text));
+      }
+    }
   }
 }
 
