@@ -61,15 +61,12 @@ std::string ActionLabel(const Action &action) {
 
 std::string FieldText(const Field &field) {
   const std::string &label = field.title.empty() ? field.name : field.title;
-  if (label.empty() && !field.value.empty()) return "[" + field.value + ']';
+  const std::string value = field.value.empty()        ? "____"
+                            : field.type == "password" ? "****"
+                                                       : field.value;
+  if (label.empty() && !field.value.empty()) return "[" + value + ']';
   std::string text = "[" + label + ":";
-  if (field.kind == FieldKind::kSelect) {
-    text += OptionsText(field);
-  } else if (field.value.empty()) {
-    text += " ____";
-  } else {
-    text += ' ' + (field.type == "password" ? std::string("****") : field.value);
-  }
+  text += field.kind == FieldKind::kSelect ? OptionsText(field) : ' ' + value;
   return text + ']';
 }
 
