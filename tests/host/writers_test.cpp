@@ -102,5 +102,51 @@ TEST(HtmlWriter, LinksAndIdsAreWhatAPageMayHave) {
   }
 }
 
+// What a writer writes of a document does not depend on the one before.
+TEST(Writers, BeginEachDocumentAnew) {
+  const std::string documents[] = {
+      "<wml><card id='a' title='A'><p>x <a href='u' title='t'>y</a><img src='i' alt='z'/></p>"
+      "<do type='accept'><go href='s' method='post'><postfield name='f' value='$v'/></go></do>"
+      "<input name='v'/><table columns='2' title='T'><tr><td>b<td>c</table></card></wml>",
+      "<wml><card id='a'><pre>a\n b</pre><p><b>unclosed<card id='a'></card>", "<wml></wml>",
+      "<wml><card><p>&amp;</p><do type='accept'><go href='s' method='post'/></do></card></wml>"};
+  const auto write = [](BlockSink &writer, const std::string &document) {
+    ReadDeck(PrepareDeck("deck.wml", document, {}), writer);
+  };
+  for (const Format format : {Format::kText, Format::kHtml, Format::kJson, Format::kMarkdown}) {
+    WriterOptions options;
+    options.nameHeading = true;
+    std::string written;
+    Output output([&](std::string_view piece) { written += piece; });
+    const auto writer = MakeWriter(format, output, options);
+    for (const std::string &before : documents) {
+      for (const std::string &document : documents) {
+        written.clear();
+        write(*MakeWriter(format, output, options), document);
+        const std::string fresh = written;
+        write(*writer, before);
+        written.clear();
+        write(*writer, document);
+        EXPECT_EQ(written, fresh) << before << document;
+      }
+    }
+  }
+}
+
+TEST(HtmlWriter, PagesAreNamedAfterTheFirstCardOrTheDocument) {
+  EXPECT_NE(Written(Format::kHtml, "<p>x</p>").find("<title>deck.wml</title>"), std::string::npos);
+  EXPECT_NE(Written(Format::kHtml, "</card><card title='&lt;T'>x").find("<title>deck.wml</title>"),
+            std::string::npos);
+  const auto page = [](const std::string &document) {
+    std::string written;
+    Output output([&](std::string_view piece) { written += piece; });
+    ReadDeck(PrepareDeck("a<b", document, {}), *MakeHtmlWriter(output));
+    return written;
+  };
+  EXPECT_NE(page("<wml><card title='&lt;T'>x").find("<title>&lt;T</title>"), std::string::npos);
+  EXPECT_NE(page("<wml><card>x").find("<title>a&lt;b</title>"), std::string::npos);
+  EXPECT_NE(page("<wml>").find("<title>a&lt;b</title>"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace vs_wml::test
