@@ -102,6 +102,100 @@ TEST(HtmlWriter, LinksAndIdsAreWhatAPageMayHave) {
   }
 }
 
+TEST(HtmlWriter, FormsAndFieldsAreThoseOfTheDeck) {
+  const std::string send =
+      "<do type='accept' label='S'><go href='s' method='post'><postfield name='f' value='$n'/>"
+      "<postfield name='g' value='1'/></go></do>";
+  const struct {
+    std::string content;
+    const char *part;  ///< stands in the page
+  } cases[] = {
+      {"<p><input name='n' type='password' value='v' size='3' maxlength='4' title='T'/></p>",
+       "<p><input name=\"n\" aria-label=\"T\" type=\"password\" value=\"v\" size=\"3\" "
+       "maxlength=\"4\" title=\"T\"></p>"},
+      {"<p><input name='n'/></p>", "<p><input name=\"n\" aria-label=\"n\" type=\"text\"></p>"},
+      {"<p><input type='submit' value='Go'/><input type='button'/></p>",
+       "<p><input name=\"\" aria-label=\"\" type=\"button\" value=\"Go\">"
+       "<input name=\"\" aria-label=\"\" type=\"button\"></p>"},
+      {"<p><select name='n'><option value='1'>A<option value='&lt;'>B</select></p>",
+       "<p><select name=\"n\" aria-label=\"n\"><option value=\"1\" selected>A</option>"
+       "<option value=\"&lt;\">B</option></select></p>"},
+      {"<p><select title='T'><optgroup title='G'><option>A</optgroup><option>B</select></p>",
+       "aria-label=\"T\" title=\"T\"><optgroup label=\"G\"><option value=\"\" selected>A</option>"
+       "</optgroup><option value=\"\">B</option></select>"},
+      {"<p><select><option>A<optgroup title='G'><option>B</select></p>",
+       "A</option><optgroup label=\"G\"><option value=\"\">B</option></optgroup></select>"},
+      {"<p><select multiple='true'></select></p>", " multiple size=\"1\"></select>"},
+      {"<p><select multiple='true'><option/><option/></select></p>", " multiple size=\"2\">"},
+      {"<p><select multiple='true'><option/><option/><option/><option/><option/><option/><option/>"
+       "</select></p>",
+       " multiple size=\"6\">"},
+      // What a field is sent as, and by which form.
+      {"<p><input name='n'/></p>" + send,
+       "<input form=\"unwml-form-0\" name=\"f\" aria-label=\"n\" type=\"text\">"},
+      {send,
+       "<p><button form=\"unwml-form-0\">S</button></p>\n<form id=\"unwml-form-0\" action=\"s\" "
+       "method=\"post\"><input type=\"hidden\" name=\"f\" value=\"{n}\">"
+       "<input type=\"hidden\" name=\"g\" value=\"1\"></form>\n"},
+      {"<p><input name='n'/></p>" + send,
+       "method=\"post\"><input type=\"hidden\" name=\"g\" value=\"1\"></form>"},
+      {"<do><go href='s' enctype='multipart/form-data'><postfield name='a' value='b'/></go></do>",
+       "action=\"s\" method=\"get\" enctype=\"multipart/form-data\"><input type=\"hidden\""},
+      {"<do><go href='s' method='post' enctype='text/plain'/></do>", "method=\"post\"></form>"},
+      // What is no form.
+      {"<do label='L'><go href='#c' method='post'/></do>", "<a href=\"#c\" class=\"key\">L</a>"},
+      {"<do label='L' title='T'><go href='s'/></do>",
+       "<a href=\"s\" class=\"key\" title=\"T\">L</a>"},
+      {"<do type='prev'><prev/></do>", "<span class=\"inert key\" title=\"(back)\">Back</span>"},
+      {"<p><anchor>x<refresh/></anchor></p>", "<span class=\"inert\" title=\"(refresh)\">x</span>"},
+      {"</card><card ontimer='t'>", "<a href=\"t\" class=\"event\">On timer</a>"},
+  };
+  for (const auto &item : cases) {
+    const std::string page = Written(Format::kHtml, item.content);
+    EXPECT_NE(page.find(item.part), std::string::npos)
+        << item.content << page.substr(page.find("<body>"));
+  }
+}
+
+// The action of a template stands in each card; its form, once in the page.
+TEST(HtmlWriter, FormsStandOnce) {
+  const std::string page = Written(
+      Format::kHtml,
+      "</card><template><do label='S'><go href='s' method='post'/></do></template><card><p>1</p>"
+      "</card><card><p>2</p>");
+  const auto count = [&](std::string_view part) {
+    std::size_t found = 0;
+    for (std::size_t at = page.find(part); at != std::string::npos; at = page.find(part, at + 1)) {
+      ++found;
+    }
+    return found;
+  };
+  EXPECT_EQ(count("<button form=\"unwml-form-0\">S</button>"), 2U);
+  EXPECT_EQ(count("<form id=\"unwml-form-0\""), 1U);
+}
+
+TEST(HtmlWriter, TextAndTablesHaveTheirLooks) {
+  const struct {
+    const char *content;
+    const char *part;  ///< stands in the page
+  } cases[] = {
+      {"<p>a<big>b</big><small>c</small><b><i><u>d</u></i></b></p>",
+       "<p>a<span class=\"big\">b</span><span class=\"small\">c</span><b><i><u>d</u></i></b></p>"},
+      {"<p><a href='x'><u>a</u></a></p>", "<p><a href=\"x\">a</a></p>"},
+      {"<p align='right'>a<br/>b</p><p>c</p>", "<p class=\"r\">a<br>\nb</p>\n<p>c</p>"},
+      {"<pre>a\n  b</pre>", "<pre>\na\n  b</pre>"},
+      {"<p align='center'>a</p>", "<p class=\"c\">a</p>"},
+      {"<p><b>a</b>&lt;&gt;&amp;&quot;&apos;</p>", "<p><b>a</b>&lt;&gt;&amp;&quot;&#39;</p>"},
+  };
+  for (const auto &item : cases) {
+    const std::string page = Written(Format::kHtml, item.content);
+    EXPECT_NE(page.find(item.part), std::string::npos)
+        << item.content << page.substr(page.find("<body>"));
+  }
+  EXPECT_NE(Written(Format::kHtml, "<p>x</p>").find("default-src 'none'"), std::string::npos)
+      << "a page runs nothing";
+}
+
 // What a writer writes of a document does not depend on the one before.
 TEST(Writers, BeginEachDocumentAnew) {
   const std::string documents[] = {
