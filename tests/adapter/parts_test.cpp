@@ -172,6 +172,8 @@ TEST(Parts, FieldsAreShown) {
       {"<select name='s'><optgroup title='G'><option>A<option>B<optgroup title='H'><option>C"
        "</optgroup><option>D</optgroup><option>E</select>",
        "[s: G: (*) A ( ) B H: ( ) C G: ( ) D ( ) E]"},
+      {"<select name='s'><optgroup title='G'><option>A</optgroup>x<option>B</select>",
+       "[s: G: (*) A ( ) B]"},
       {"<input name='n'/>", "[n: ____]"},
       {"<input name='n' title='T' value='v'/>", "[T: v]"},
       {"<input value='v'/>", "[v]"},
