@@ -54,8 +54,12 @@ uint8_t StyleClass(uint8_t tagId) {
   return static_cast<uint8_t>(WmlInit.tags[tagId].value >> 16);
 }
 
-// Elements that act only inside a card.
-uint8_t BeginBodyElement(ItemRecord item, WmlProc *proc) {
+bool InBody(const WmlProc *proc) {
+  return (proc->save.modeFlags & (MODE_IN_CARD | MODE_IN_HEAD)) == MODE_IN_CARD;
+}
+
+// Elements that act only inside a card and select no style.
+void BeginBodyElement(ItemRecord item, WmlProc *proc) {
   switch (item.tagId) {
     case TAG_A:
       ProcessBeginAnchor(proc);
@@ -78,24 +82,15 @@ uint8_t BeginBodyElement(ItemRecord item, WmlProc *proc) {
     case TAG_TABLE:
       ProcessBeginTable(item, proc);
       break;
-    case TAG_TD:
-      return BeginCell(proc) ? StyleClass(TAG_TD) : uint8_t{0};
     case TAG_TR:
       ProcessBeginRow(proc);
       break;
     default:
-      return TagClass(item.tagId) & TAGF_STYLE ? StyleClass(item.tagId) : uint8_t{0};
+      break;
   }
-  return 0;
 }
 
-bool InBody(const WmlProc *proc) {
-  return (proc->save.modeFlags & (MODE_IN_CARD | MODE_IN_HEAD)) == MODE_IN_CARD;
-}
-
-}  // namespace
-
-uint8_t ProcessBeginTag(ItemRecord item, WmlProc *proc) {
+[[gnu::noinline]] void BeginElement(ItemRecord item, WmlProc *proc) {
   switch (item.tagId) {
     case TAG_NONE:
       break;
@@ -109,8 +104,21 @@ uint8_t ProcessBeginTag(ItemRecord item, WmlProc *proc) {
       BeginCard(proc);
       break;
     default:
-      return InBody(proc) ? BeginBodyElement(item, proc) : uint8_t{0};
+      if (InBody(proc)) BeginBodyElement(item, proc);
+      break;
   }
+}
+
+}  // namespace
+
+// The tags that select a style are most that stand between words, so that they are told from
+// the others by one question, which a processor guesses right more often than a jump by tag.
+uint8_t ProcessBeginTag(ItemRecord item, WmlProc *proc) {
+  if (TagClass(item.tagId) & TAGF_STYLE) return InBody(proc) ? StyleClass(item.tagId) : uint8_t{0};
+  if (item.tagId == TAG_TD) {
+    return InBody(proc) && BeginCell(proc) ? StyleClass(TAG_TD) : uint8_t{0};
+  }
+  BeginElement(item, proc);
   return 0;
 }
 

@@ -158,10 +158,10 @@ void SendDifference(const StyleRecord &from, const StyleRecord &to, WmlProc *pro
 
 }  // namespace
 
-void StyleDelta(uint16_t from, uint16_t to, WmlProc *proc) {
+void SendStyleDelta(uint16_t from, uint16_t to, WmlProc *proc) {
   const auto *styles = reinterpret_cast<const StyleRecord *>(proc->styleArray.storage);
   const uint16_t count = proc->styleArray.count;
-  if (from == to || to >= count) return;
+  if (to >= count) return;
   if (from >= count) {
     SendWholeStyle(styles[to], proc);
   } else {

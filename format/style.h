@@ -28,8 +28,12 @@ void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *
 uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc);
 
 // Sends the host what differs between two styles by their indexes, or everything when
-// `from` is none; nothing when `to` is none.
-void StyleDelta(uint16_t from, uint16_t to, WmlProc *proc);
+// `from` is none; nothing when `to` is none or both are the same.
+void SendStyleDelta(uint16_t from, uint16_t to, WmlProc *proc);
+
+inline void StyleDelta(uint16_t from, uint16_t to, WmlProc *proc) {
+  if (from != to) SendStyleDelta(from, to, proc);
+}
 
 // Sends the whole style of the top element.
 void StyleUpdate(WmlProc *proc);

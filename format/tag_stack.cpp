@@ -74,7 +74,7 @@ void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
   if ((TagClass(item.tagId) & TAGF_EMPTY) == 0) {
     save.tagStack[++save.tagStackTop] = {item.tagId, item.itemFlags, styleIndex, styleClass, 0};
   }
-  if (current != styleIndex) StyleDelta(current, styleIndex, proc);
+  StyleDelta(current, styleIndex, proc);
 }
 
 void TagStackPop(uint8_t tagId, WmlProc *proc) {
@@ -93,6 +93,8 @@ void TagStackCloseParts(uint8_t tagId, WmlProc *proc) {
 
 uint8_t TagStackClose(uint8_t tagId, WmlProc *proc) {
   const uint32_t tagClass = TagClass(tagId);
+  // The end of the style begun last, the most frequent case, has nothing to handle.
+  if ((tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId) return PopTop(proc);
   if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
     const int16_t index = FindElement(tagId, proc);
     if (index < 0) return TAG_NONE;
