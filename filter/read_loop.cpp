@@ -103,6 +103,15 @@ void PutEntity(uint16_t value, const char *text, WmlProc *proc) {
   TagStackPop(closing, proc);
 }
 
+void HandleTag(ItemRecord item, WmlProc *proc) {
+  if (item.tagId == TAG_NONE) return;
+  if (item.itemFlags & ITEM_BEGIN) {
+    HandleBeginTag(item, proc);
+  } else {
+    HandleEndTag(item.tagId, proc);
+  }
+}
+
 [[gnu::noinline]] void HandleText(ItemRecord item, uint16_t ch, const char *text, WmlProc *proc) {
   if (item.itemFlags & ITEM_CHAR) {
     PutChar(ch, item, proc);
@@ -133,14 +142,17 @@ void ReadItems(char *text, WmlProc *proc) {
   uint16_t ch;
   while (proc->stopFlags == 0) {
     const uint8_t *next = SendTextRun(&run, proc);
-    const ItemRecord item = ReadNextItem(next, &ch, text, proc);
+    const ItemRecord tag = ReadBareTag(next, proc);
+    if (tag.itemFlags != 0) {
+      HandleTag(tag, proc);
+      continue;
+    }
+    const ItemRecord item = ReadItem(&ch, text, proc);
     if (proc->stopFlags != 0) break;
     if (item.itemFlags & (ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF)) {
       HandleText(item, ch, text, proc);
-    } else if (item.itemFlags & ITEM_BEGIN) {
-      if (item.tagId != TAG_NONE) HandleBeginTag(item, proc);
-    } else if (item.tagId != TAG_NONE) {
-      HandleEndTag(item.tagId, proc);
+    } else {
+      HandleTag(item, proc);
     }
   }
 }

@@ -12,6 +12,15 @@
 // Capacity of an item's text, without its NUL.
 inline constexpr uint16_t ITEM_TEXT_MAX = SCRATCH_TEXT_SIZE - 1;
 
+// Reads the bare tag at `next`, the input's next byte; an item without flags, and the input
+// where it was, when there is none.
+inline ItemRecord ReadBareTag(const uint8_t *next, WmlProc *proc) {
+  ItemRecord item = {};
+  if ((proc->save.modeFlags & MODE_LITERAL) == 0) item = ScanBareTag(next, proc);
+  if (item.tagId != TAG_NONE) FinishTag(&item, proc);
+  return item;
+}
+
 // Reads an item that is no bare tag.
 ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc);
 
@@ -22,11 +31,8 @@ ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc);
 // or as a tag that is TAG_NONE; at the end of the input the item is empty. Not to be called
 // once reading has stopped.
 inline ItemRecord ReadNextItem(const uint8_t *next, uint16_t *ch, char *text, WmlProc *proc) {
-  ItemRecord item = {};
-  if ((proc->save.modeFlags & MODE_LITERAL) == 0) item = ScanBareTag(next, proc);
-  if (item.tagId == TAG_NONE) return ReadItem(ch, text, proc);
-  FinishTag(&item, proc);
-  return item;
+  const ItemRecord tag = ReadBareTag(next, proc);
+  return tag.itemFlags != 0 ? tag : ReadItem(ch, text, proc);
 }
 
 #endif  // VS_WML_LEXER_ITEM_READER_H
