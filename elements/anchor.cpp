@@ -3,23 +3,15 @@
 #include "elements/attribute_values.h"
 #include "filter/callbacks.h"
 
-namespace {
-
-// Stores the title with the host; true when there is one that was stored.
-bool StoreTitle(WmlProc *proc) {
-  return GetAttributeString(ATTRIB_TITLE, proc->attrScratch, SCRATCH_TEXT_SIZE, proc) &&
-         WMLPutPropertyString(proc->attrScratch, proc) != NO_STRING;
-}
-
-}  // namespace
-
 [[gnu::noinline]] void ProcessBeginAnchor(WmlProc *proc) {
   WmlSave &save = proc->save;
   if (save.modeFlags & MODE_IN_ANCHOR) return;
-  if (!GetAttributeString(ATTRIB_HREF, proc->attrScratch, SCRATCH_TEXT_SIZE, proc)) return;
+  uint32_t target;
+  if (!PutAttributeString(ATTRIB_HREF, &target, proc)) return;
   VwLinkRecord link = {};
-  const uint32_t target = WMLPutPropertyString(proc->attrScratch, proc);
-  if (StoreTitle(proc)) link.flags = SO_LINK_HAS_TITLE;
+  uint32_t title;
+  PutAttributeString(ATTRIB_TITLE, &title, proc);
+  if (title != NO_STRING) link.flags = SO_LINK_HAS_TITLE;
   if (target != NO_STRING) PutReference(target, &link.referenceId, proc);
   save.modeFlags |= MODE_IN_ANCHOR;
   ++save.anchorCount;

@@ -1,42 +1,61 @@
 #include "elements/attribute_values.h"
 
+#include <cstring>
+
 #include "elements/paragraph.h"
 #include "filter/callbacks.h"
 #include "filter/stream_position.h"
 #include "lexer/name_lookup.h"
-#include "lexer/tag_scan.h"
 #include "lexer/word_reader.h"
 
 namespace {
 
-// Where the value of an attribute begins, 0 when there is none.
-uint32_t ValuePosition(uint16_t attribute, const WmlProc *proc) {
+// The attribute if it has a value, else null.
+const AttrRef *FindValue(uint16_t attribute, const WmlProc *proc) {
   for (uint16_t i = 0; i < proc->attrCount; ++i) {
-    if (proc->attrList[i].attrId == attribute) return proc->attrList[i].valuePos;
+    const AttrRef &found = proc->attrList[i];
+    if (found.attrId == attribute) return found.valuePos != 0 ? &found : nullptr;
   }
-  return 0;
+  return nullptr;
 }
 
-void ReadValue(bool isReference, WordBuffer *value, WmlProc *proc) {
-  if (!ReadingStopped(proc) && ScanQuotedWord(isReference, value, proc)) return;
-  if (isReference) {
+// The first byte of a plain value that the input buffer still holds whole, else null.
+const uint8_t *HeldValue(const AttrRef &attribute, const WmlProc *proc) {
+  if (attribute.plainLength == NOT_PLAIN || ReadingStopped(proc)) return nullptr;
+  if (proc->save.curCharset == CHARSET_JIS_X0208) return nullptr;
+  const VwCharBuffer *input = proc->input;
+  const uint32_t into = attribute.valuePos + 1 - input->start;
+  const auto held = static_cast<uint32_t>(input->end - input->data);
+  return into < held && attribute.plainLength < held - into ? input->data + into : nullptr;
+}
+
+// Reads a value of any kind from the document.
+void ReadValue(const AttrRef &attribute, WordBuffer *value, WmlProc *proc) {
+  const uint32_t here = WMLGetFilePos(proc);
+  WMLSetFilePos(attribute.valuePos, proc);
+  if (attribute.attrId == ATTRIB_HREF || attribute.attrId == ATTRIB_SRC) {
     ReadWordWithNoQuote(value, proc);
   } else {
     ReadWord(value, proc);
   }
+  WMLSetFilePos(here, proc);
 }
 
 }  // namespace
 
 bool GetAttributeString(uint16_t attribute, char *buffer, uint16_t size, WmlProc *proc) {
   buffer[0] = 0;
-  const uint32_t valuePos = ValuePosition(attribute, proc);
-  if (valuePos == 0) return false;
-  WordBuffer value = {buffer, static_cast<uint16_t>(size - 1), 0, 0};
-  const uint32_t here = WMLGetFilePos(proc);
-  WMLSetFilePos(valuePos, proc);
-  ReadValue(attribute == ATTRIB_HREF || attribute == ATTRIB_SRC, &value, proc);
-  WMLSetFilePos(here, proc);
+  const AttrRef *found = FindValue(attribute, proc);
+  if (found == nullptr) return false;
+  const auto max = static_cast<uint16_t>(size - 1);
+  if (const uint8_t *held = HeldValue(*found, proc)) {
+    const size_t length = found->plainLength < max ? found->plainLength : max;
+    std::memcpy(buffer, held, length);
+    buffer[length] = 0;
+  } else {
+    WordBuffer value = {buffer, max, 0, 0};
+    ReadValue(*found, &value, proc);
+  }
   return true;
 }
 
@@ -179,25 +198,34 @@ uint32_t StrToLong(const char *text, uint32_t defaultUnit, const WmlProc *proc) 
 
 namespace {
 
-// The text widened into `wide`, and its length.
-uint32_t Widen(const char *text, uint16_t *wide) {
-  uint32_t length = 0;
-  for (; text[length] != 0; ++length) wide[length] = static_cast<uint8_t>(text[length]);
+// Widens `length` bytes and a NUL behind them, sixteen at a time: `bytes` can be read, and `wide`
+// has room, up to the next multiple of sixteen.
+void Widen(const uint8_t *bytes, uint32_t length, uint16_t *__restrict wide) {
+  const uint32_t rounded = (length + 15u) & ~15u;
+  for (uint32_t i = 0; i < rounded; ++i) wide[i] = bytes[i];
   wide[length] = 0;
-  return length;
 }
 
 }  // namespace
 
-uint32_t WMLPutPropertyString(const char *text, WmlProc *proc) {
+bool PutAttributeString(uint16_t attribute, uint32_t *index, WmlProc *proc) {
+  *index = NO_STRING;
+  const AttrRef *found = FindValue(attribute, proc);
+  if (found == nullptr) return false;
   char *scratch = StringCreate(SCRATCH_WIDE_SIZE, proc);
-  if (scratch == nullptr) return NO_STRING;
+  if (scratch == nullptr) return true;
   auto *wide = reinterpret_cast<uint16_t *>(scratch);
-  const uint32_t length = Widen(text, wide);
-  uint32_t index = NO_STRING;
-  SOStoreString(wide, length, &index, proc);
+  uint32_t length = found->plainLength;
+  const uint8_t *bytes = length <= SCRATCH_TEXT_SIZE - 1 ? HeldValue(*found, proc) : nullptr;
+  if (bytes == nullptr) {
+    GetAttributeString(attribute, proc->attrScratch, SCRATCH_TEXT_SIZE, proc);
+    bytes = reinterpret_cast<const uint8_t *>(proc->attrScratch);
+    length = static_cast<uint32_t>(std::strlen(proc->attrScratch));
+  }
+  Widen(bytes, length, wide);
+  SOStoreString(wide, length, index, proc);
   StringDestroy(scratch, proc);
-  return index;
+  return true;
 }
 
 void PutReference(uint32_t stringIndex, uint32_t *id, WmlProc *proc) {

@@ -23,9 +23,10 @@ uint32_t IDUnits(const char *text);
 // unit that is known is in defaultUnit. 0 for text that is none of these.
 uint32_t StrToLong(const char *text, uint32_t defaultUnit, const WmlProc *proc);
 
-// Hands a byte string of at most 1023 bytes to the host, each byte widened to 16 bits;
-// the host's index for it, NO_STRING when it was not stored.
-uint32_t WMLPutPropertyString(const char *text, WmlProc *proc);
+// Hands an attribute's value, of which the first 1023 bytes count, to the host, each byte
+// widened to 16 bits. `index` gets the host's index for it, NO_STRING when it was not stored;
+// false when there is none.
+bool PutAttributeString(uint16_t attribute, uint32_t *index, WmlProc *proc);
 
 // Defines a reference to the host: its target is a string index, its id is stored
 // through `id`.

@@ -13,15 +13,6 @@ namespace {
 
 constexpr uint32_t kLinkBorder = 30;  // twips
 
-// Hands the value of an attribute to the host; its string index, or NO_STRING when it
-// is absent or not stored.
-bool StoreAttribute(uint16_t attribute, uint32_t *index, WmlProc *proc) {
-  *index = NO_STRING;
-  if (!GetAttributeString(attribute, proc->attrScratch, SCRATCH_TEXT_SIZE, proc)) return false;
-  *index = WMLPutPropertyString(proc->attrScratch, proc);
-  return true;
-}
-
 // A length in twips, 0 when the attribute is absent; plain numbers are pixels.
 uint32_t ReadLength(uint16_t attribute, WmlProc *proc) {
   char value[32];
@@ -56,11 +47,11 @@ void IncludeGraphic(uint32_t source, uint32_t alternative, uint32_t width, uint3
 
 [[gnu::noinline]] void ProcessImage(WmlProc *proc) {
   uint32_t source;
-  if (!StoreAttribute(ATTRIB_SRC, &source, proc)) return;
+  if (!PutAttributeString(ATTRIB_SRC, &source, proc)) return;
   const uint32_t width = ReadLength(ATTRIB_WIDTH, proc);
   const uint32_t height = ReadLength(ATTRIB_HEIGHT, proc);
   uint32_t alternative;
-  StoreAttribute(ATTRIB_ALT, &alternative, proc);
+  PutAttributeString(ATTRIB_ALT, &alternative, proc);
   if (const uint16_t alignment = CheckJustify(proc)) SetParaAlign(alignment, proc);
   IncludeGraphic(source, alternative, width, height, proc);
 }

@@ -69,11 +69,14 @@ struct WmlSave {
 };
 static_assert(sizeof(WmlSave) == VW_SAVE_SIZE);
 
-// An attribute of the tag read last. Values stay in the document.
+// An attribute of the tag read last. Values stay in the document. A plain one is ASCII in double
+// quotes right behind the '=', and means what stands there.
 struct AttrRef {
-  uint16_t attrId;    // ATTRIB_ id, never 0
-  uint32_t valuePos;  // position right behind the '=', 0 when it has no value
+  uint16_t attrId;       // ATTRIB_ id, never 0
+  uint16_t plainLength;  // bytes between the quotes of a plain value, NOT_PLAIN for others
+  uint32_t valuePos;     // position right behind the '=', 0 when it has no value
 };
+inline constexpr uint16_t NOT_PLAIN = 0xFFFF;
 
 // The measurement of one table.
 struct TableRecord {

@@ -17,7 +17,7 @@
 #include "filter/vs_wml.h"
 
 inline constexpr uint32_t CHAR_BUFFER_SIZE = 2048;
-inline constexpr uint32_t CHAR_BUFFER_SLACK = 8;  // a word can be loaded at any byte
+inline constexpr uint32_t CHAR_BUFFER_SLACK = 16;  // sixteen bytes can be loaded at any byte
 
 struct VwCharBuffer {
   const uint8_t *next;   // the next byte to read

@@ -79,7 +79,7 @@ uint8_t ReadAttributes(bool isMeta, CharsetDeclaration *declaration, WordBuffer 
       valuePos = WMLGetFilePos(proc);
       last = ReadAttributeValue(attrId, isMeta, declaration, word, proc);
     }
-    if (attrId != ATTRIB_NONE) proc->attrList[proc->attrCount++] = {attrId, valuePos};
+    if (attrId != ATTRIB_NONE) proc->attrList[proc->attrCount++] = {attrId, NOT_PLAIN, valuePos};
   } while (!IsTagEnd(last) && !ReadingStopped(proc) && proc->attrCount < MAX_ATTRIBUTES);
   return last;
 }

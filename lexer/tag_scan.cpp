@@ -70,9 +70,30 @@ uint16_t AttributeOf(const uint8_t *name, size_t length) {
   return IDAttrib(copy);
 }
 
+// The bytes that the scan and the word readers take as they are inside double quotes, apart from
+// the quote itself.
+struct PlainBytes {
+  bool of[256];
+};
+
+constexpr PlainBytes MakePlainBytes(bool isReference) {
+  PlainBytes plain = {};
+  const auto set = [&plain](const char *characters, bool value) {
+    for (; *characters != 0; ++characters) plain.of[static_cast<uint8_t>(*characters)] = value;
+  };
+  for (int b = ' '; b < 0x80; ++b) plain.of[b] = true;
+  set(isReference ? "\"&<>=!" : "\"&", false);
+  if (!isReference) set("\n\r\t", true);
+  return plain;
+}
+
+constexpr PlainBytes kPlainValue = MakePlainBytes(false);
+constexpr PlainBytes kPlainReference = MakePlainBytes(true);
+
 struct Value {
   const uint8_t *begin;
   size_t length;
+  bool isPlain;  // as AttrRef has it
 };
 
 // A value in quotes, or a plain word.
@@ -84,9 +105,13 @@ bool ScanValue(bool isReference, Scan *scan, Value *value) {
     const ByteClass behind = ClassAt(*scan);
     return !isReference && value->length > 0 && (behind == BLANK || behind == MARK);
   }
-  value->begin = ++scan->at;
-  if (*scan->at == '>') return false;
-  const uint8_t *at = scan->at;
+  const uint8_t *at = value->begin = ++scan->at;
+  if (*at == '>') return false;
+  if (quote == '"') {
+    const bool *plain = isReference ? kPlainReference.of : kPlainValue.of;
+    while (plain[*at]) ++at;
+    value->isPlain = *at == '"';
+  }
   const ByteClass stop = scan->multiByte ? HIGH : QUOTE;
   while (kBytes.of[*at] < stop || (kBytes.of[*at] == QUOTE && *at != quote)) ++at;
   value->length = static_cast<size_t>(at - value->begin);
@@ -105,15 +130,18 @@ bool ScanAttribute(Scan *scan, WmlProc *proc) {
   const uint8_t *name = scan->at;
   const size_t length = ScanName(scan);
   if (length == 0) return false;
-  AttrRef attribute = {AttributeOf(name, length), 0};
+  AttrRef attribute = {AttributeOf(name, length), NOT_PLAIN, 0};
   SkipBlanks(scan);
   if (*scan->at == '=') {
-    ++scan->at;
-    attribute.valuePos = VwCharPosition(proc->input, scan->at);
+    const uint8_t *behind = ++scan->at;
+    attribute.valuePos = VwCharPosition(proc->input, behind);
     SkipBlanks(scan);
     const bool isReference = attribute.attrId == ATTRIB_HREF || attribute.attrId == ATTRIB_SRC;
-    Value value;
+    Value value = {};
     if (!ScanValue(isReference, scan, &value)) return false;
+    if (value.isPlain && value.begin == behind + 1) {
+      attribute.plainLength = static_cast<uint16_t>(value.length);
+    }
     SkipBlanks(scan);
     if (isReference && !IsOrdinaryReference(value, *scan)) return false;
   }
@@ -164,45 +192,5 @@ bool ScanTag(ItemRecord *item, WmlProc *proc) {
   if (!ScanWholeTag(&scan, &scanned, proc)) return false;
   *item = scanned;
   input->next = scan.at;
-  return true;
-}
-
-namespace {
-
-// The bytes that both word readers take as they are inside double quotes, apart from the
-// quote itself.
-struct PlainBytes {
-  bool of[256];
-};
-
-constexpr PlainBytes MakePlainBytes(bool isReference) {
-  PlainBytes plain = {};
-  const auto set = [&plain](const char *characters, bool value) {
-    for (; *characters != 0; ++characters) plain.of[static_cast<uint8_t>(*characters)] = value;
-  };
-  for (int b = ' '; b < 0x80; ++b) plain.of[b] = true;
-  set(isReference ? "\"<>=!" : "\"&", false);
-  if (!isReference) set("\n\r\t", true);
-  return plain;
-}
-
-constexpr PlainBytes kPlainValue = MakePlainBytes(false);
-constexpr PlainBytes kPlainReference = MakePlainBytes(true);
-
-}  // namespace
-
-bool ScanQuotedWord(bool isReference, WordBuffer *word, WmlProc *proc) {
-  VwCharBuffer *input = proc->input;
-  const uint8_t *at = input->next;
-  if (*at != '"' || proc->save.curCharset == CHARSET_JIS_X0208 || at[1] == '>') return false;
-  const bool *plain = isReference ? kPlainReference.of : kPlainValue.of;
-  const uint8_t *begin = ++at;
-  while (plain[*at]) ++at;
-  const auto length = static_cast<size_t>(at - begin);
-  if (*at != '"' || length > word->max) return false;
-  std::memcpy(word->bytes, begin, length);
-  word->bytes[length] = 0;
-  word->length = static_cast<uint16_t>(length);
-  input->next = at + 1;
   return true;
 }

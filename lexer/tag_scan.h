@@ -3,17 +3,11 @@
 #define VS_WML_LEXER_TAG_SCAN_H
 
 #include "filter/instance.h"
-#include "lexer/word_reader.h"
 
 // Reads the tag behind the '<' that has been read, as far as its closing punctuation
 // included, into item, attrList and attrCount. False, with the input where it was, for
 // anything out of the ordinary: a reference or a control byte in it, quotes in odd
 // places, many attributes, `meta`, or an end beyond the buffer.
 bool ScanTag(ItemRecord *item, WmlProc *proc);
-
-// Reads an ordinary value in double quotes at the input into the word, as ReadWord and,
-// for references, ReadWordWithNoQuote do. False, with the input where it was, for all
-// others.
-bool ScanQuotedWord(bool isReference, WordBuffer *word, WmlProc *proc);
 
 #endif  // VS_WML_LEXER_TAG_SCAN_H
