@@ -66,9 +66,9 @@ inline const uint8_t *SendTextRun(TextRun *kept, WmlProc *proc) {
   if (*at == '<') return at;
   if (kept->state != TextRunState(proc->save)) *kept = MakeTextRun(proc);
   if (!kept->sends) return at;
-  SendEntry before = {proc->save.lastChar, 0};
-  const SendEntry *last = &before;  // what was sent last
-  const SendEntry *half = TableHalf(*kept, before.character);
+  uint16_t &lastChar = proc->save.lastChar;
+  const SendEntry *last = nullptr;  // what was sent since lastChar was set
+  const SendEntry *half = TableHalf(*kept, lastChar);
   for (;;) {
     const SendEntry *entry = half + *at;
     const uint32_t character = entry->character;
@@ -77,19 +77,17 @@ inline const uint8_t *SendTextRun(TextRun *kept, WmlProc *proc) {
       input->next = ++at;
       SOEmitChar(character, proc);
       half = kept->table + last->half;
-    } else if (entry == half + '<' || at == input->end) {
-      break;
-    } else {
-      const Taken taken = TakeSpecial(at, *kept, last->character, proc);
-      if (taken.at == nullptr) break;
-      input->next = at = taken.at;
-      before.character = taken.last;
-      last = &before;
-      half = TableHalf(*kept, taken.last);
+      continue;
     }
+    if (last != nullptr) lastChar = last->character;
+    if (entry == half + '<' || at == input->end) return at;
+    const Taken taken = TakeSpecial(at, *kept, lastChar, proc);
+    if (taken.at == nullptr) return at;
+    input->next = at = taken.at;
+    lastChar = taken.last;
+    last = nullptr;
+    half = TableHalf(*kept, lastChar);
   }
-  proc->save.lastChar = last->character;
-  return at;
 }
 
 #endif  // VS_WML_FILTER_TEXT_RUN_H
