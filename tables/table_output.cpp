@@ -32,17 +32,19 @@ void DescribeRow(const TableRecord &table, const WmlProc *proc) {
   SODescribeRow(&row, proc);
 }
 
-// What the descriptions of a table's cells have in common.
+// What the descriptions of a table's cells have in common. All fields are named one by one, for
+// to clear the whole record first would take longer than all the rest.
 CellDescription MakeCell(const TableRecord &table, const WmlSave &save) {
-  CellDescription cell = {};
+  CellDescription cell;
   cell.size = sizeof cell;
+  cell.reserved0[0] = cell.reserved0[1] = cell.reserved0[2] = 0;
+  cell.reserved1 = 0;
   cell.constant1 = 13;
   cell.constant2 = 255;
   cell.tableShade = save.tableShade;
-  SideDescription side = {};
-  side.width = table.cellBorderWidth;
-  side.color = ~save.backgroundColor & 0x00FFFFFF;
-  cell.left = cell.right = cell.top = cell.bottom = side;
+  cell.reserved2[0] = cell.reserved2[1] = 0;
+  const uint32_t color = ~save.backgroundColor & 0x00FFFFFF;
+  cell.left = cell.right = cell.top = cell.bottom = {table.cellBorderWidth, color, 0, {}};
   return cell;
 }
 
