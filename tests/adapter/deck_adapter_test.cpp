@@ -56,6 +56,8 @@ constexpr ContentCase kMarkup[] = {
     {"<img src=a.wbmp width=\"8\" height=\"1&quot;\" alt=\">\"/>",
      "<img src=\"unwml:p:0\" width=\"8\"/>"},
     {"</p><pre>a\n  b</pre>", "<p><pre>a\n  b</pre>"},
+    {"<pre>a<img src='i' alt='A'/>b</pre>", "<pre>aAb</pre>"},
+    {"a<img/>b<img src=''/>c", "abc"},
 };
 INSTANTIATE_TEST_SUITE_P(Markup, Content, testing::ValuesIn(kMarkup));
 
@@ -108,6 +110,8 @@ constexpr ContentCase kForms[] = {
      "<a href=\"unwml:f:0\">[T: [ ] A G: [x] b [x] C]</a>"},
     {"<select><option onpick='#a'>A</option><option>B</option>stray</select>",
      "stray<p><a href=\"unwml:a:0\">A</a><p>B<p>"},
+    {"<select name='s'><option>a<img src='i' alt='A'/></option></select>",
+     "<a href=\"unwml:f:0\">[s: (*) aA]</a>"},
     {"<select><option>A<onevent type='onpick'><go href='#a'/></onevent></option></select>",
      "<p><a href=\"unwml:a:0\">A</a><p>"},
     {"<input title='a\x01\x7F\xC2\x9B&#9;b'/><select name='s'><option>c\x02\xC2\x9B"

@@ -55,6 +55,11 @@ unwml() { "$UNWML" "$@"; }
   done
   run unwml --to html a.wml a.wml
   [ "$status" = 2 ]
+  for option in --files-from --output; do
+    run unwml $option '' a.wml
+    [ "$status" = 2 ]
+    [ "${lines[0]}" = "unwml: $option: no name given" ]
+  done
 }
 
 @test "standard input is read when nothing is named, and as -" {
@@ -187,6 +192,8 @@ unwml() { "$UNWML" "$@"; }
       [ "$status" = 1 ]
       [ "$output" = "unwml: standard output: No space left on device" ]
     done
+    run bash -c '"$0" --print-manual >/dev/full' "$UNWML"
+    [ "$status" = 1 ]
   fi
   for jobs in 1 3; do
     run bash -c '"$0" -j '$jobs' many | head -n 1; exit "${PIPESTATUS[0]}"' "$UNWML"
