@@ -84,7 +84,7 @@ struct TableScan {
 };
 
 void Raise(uint32_t value, uint32_t *maximum) {
-  if (value > *maximum) *maximum = value;
+  *maximum = value > *maximum ? value : *maximum;
 }
 
 // The column of the current cell, null before the first cell of a row and beyond the
@@ -155,7 +155,7 @@ const uint8_t *MeasurePlain(const uint8_t *at, ColumnExtent *column, TableScan *
 const uint8_t *MeasureRun(TableScan *scan) {
   VwCharBuffer *input = scan->proc->input;
   const uint8_t *at = input->next;
-  if (scan->proc->save.curCharset == CHARSET_JIS_X0208) return at;
+  if (*at == '<' || scan->proc->save.curCharset == CHARSET_JIS_X0208) return at;
   ColumnExtent *column = CurrentColumn(scan);
   if (scan->inCell && column != nullptr) {
     if (scan->lineWidth > kLineFar) return at;
@@ -203,7 +203,9 @@ void BeginCell(TableScan *scan) {
   ++scan->cell;
 }
 
+// Cells are asked for first, for they are most of a table's tags.
 void ScanBeginTag(uint8_t tagId, TableScan *scan) {
+  if (tagId == TAG_TD) return BeginCell(scan);
   switch (tagId) {
     case TAG_BR:
     case TAG_P:
@@ -214,9 +216,6 @@ void ScanBeginTag(uint8_t tagId, TableScan *scan) {
       break;
     case TAG_TR:
       BeginRow(scan);
-      break;
-    case TAG_TD:
-      BeginCell(scan);
       break;
     default:
       break;
@@ -238,8 +237,11 @@ void ScanCells(TableScan *scan) {
   uint16_t ch;
   while (!ReadingStopped(scan->proc)) {
     const uint8_t *next = MeasureRun(scan);
-    const ItemRecord item = ReadNextItem(next, &ch, scan->text, scan->proc);
-    if (ReadingStopped(scan->proc)) return;
+    ItemRecord item = ReadBareTag(next, scan->proc);
+    if (item.itemFlags == 0) {
+      item = ReadItem(&ch, scan->text, scan->proc);
+      if (ReadingStopped(scan->proc)) return;
+    }
     if (item.itemFlags & ITEM_CHAR) {
       MeasureChar(ch, scan);
     } else if (item.itemFlags & ITEM_BEGIN) {
