@@ -53,6 +53,9 @@ if(VS_WML_HAS_IPO AND CMAKE_BUILD_TYPE STREQUAL "Release")
   set_target_properties(vs_wml PROPERTIES INTERPROCEDURAL_OPTIMIZATION ON)
 endif()
 add_library(vs_wml::vs_wml ALIAS vs_wml)
+# Each function begins a cache line, so that the place of a loop in its lines, which can cost 7 %,
+# does not change with every edit elsewhere.
+target_compile_options(vs_wml PRIVATE -falign-functions=64)
 # Linked as C, and without the C++ libraries that CMake adds for C++ objects: a use of the C++
 # runtime is an undefined symbol then.
 set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
