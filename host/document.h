@@ -70,7 +70,7 @@ struct Run {
 /// Running text with the links and images that its runs name.
 struct Content {
   std::string_view text;
-  std::span<const Run> runs;
+  std::span<const Run> runs;  ///< those of a paragraph or a cell one behind the other
   std::span<const Link> links;
   std::span<const Image> images;
 

@@ -5,6 +5,7 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include "host/byte_scan.h"
 #include "host/writer.h"
 
 namespace vs_wml {
@@ -19,40 +20,48 @@ constexpr std::array<std::string_view, 5> kTaskName = {"none", "go", "prev", "re
 constexpr std::uint32_t kHalfPointsPerPoint = 2;
 constexpr double kTimerUnitsPerSecond = 10;
 
-// The bytes that stand for themselves in a string.
-constexpr auto kPlain = [] {
-  std::array<bool, 256> plain{};
-  for (std::size_t byte = 0x20; byte < plain.size(); ++byte) plain[byte] = true;
-  plain['"'] = plain['\\'] = false;
-  return plain;
-}();
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
-// RapidJSON's writer, except that strings without escapes are copied whole.
+// RapidJSON's writer, except that what needs no escape in a string is copied at once.
 class CopyingWriter : public rapidjson::Writer<rapidjson::StringBuffer> {
  public:
   using Writer::Writer;
 
-  // `key` has no escapes.
-  void Key(std::string_view key) {
+  // A key or a string of which it is known that it has no escapes.
+  void Literal(std::string_view text) {
     Prefix(rapidjson::kStringType);
-    Quote(key);
-  }
-  void String(std::string_view text) {
-    const bool plain = std::all_of(text.begin(), text.end(),
-                                   [](char c) { return kPlain[static_cast<unsigned char>(c)]; });
-    if (plain) {
-      Key(text);
-    } else {
-      Writer::String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-    }
-  }
-
- private:
-  void Quote(std::string_view text) {
     char *out = os_->Push(text.size() + 2);
     *out++ = '"';
     out = std::copy(text.begin(), text.end(), out);
     *out = '"';
+  }
+  void String(std::string_view text) {
+    Prefix(rapidjson::kStringType);
+    os_->Put('"');
+    while (true) {
+      const std::size_t plain = LengthBefore(
+          text, [](auto byte) { return (byte < 0x20) | (byte == '"') | (byte == '\\'); });
+      std::copy_n(text.data(), plain, os_->Push(plain));
+      if (plain == text.size()) break;
+      Escape(text[plain]);
+      text.remove_prefix(plain + 1);
+    }
+    os_->Put('"');
+  }
+
+ private:
+  void Escape(char c) {
+    constexpr std::string_view kNamed = "\"\\\b\f\n\r\t";
+    constexpr std::string_view kNames = "\"\\bfnrt";
+    os_->Put('\\');
+    if (const std::size_t named = kNamed.find(c); named != std::string_view::npos) {
+      os_->Put(kNames[named]);
+      return;
+    }
+    const auto code = static_cast<unsigned char>(c);
+    for (const char digit : {'u', '0', '0', kHexDigits[code >> 4U], kHexDigits[code & 0xFU]}) {
+      os_->Put(digit);
+    }
   }
 };
 
@@ -97,7 +106,8 @@ class JsonWriter : public BlockSink {
 
   void TakeParagraph(const Paragraph &paragraph) override {
     writer_.StartObject();
-    Member("type", "paragraph");
+    Key("type");
+    writer_.Literal("paragraph");
     if (paragraph.alignment != Alignment::kLeft) AlignmentMember(paragraph.alignment);
     if (paragraph.preformatted) Flag("preformatted", true);
     if (paragraph.continues) Flag("continues", true);
@@ -153,7 +163,7 @@ class JsonWriter : public BlockSink {
   }
 
  private:
-  void Key(std::string_view key) { writer_.Key(key); }
+  void Key(std::string_view key) { writer_.Literal(key); }
   void Member(std::string_view key, std::string_view text) {
     Key(key);
     writer_.String(text);
@@ -290,8 +300,8 @@ class JsonWriter : public BlockSink {
   void WriteAction(const Action &action) {
     writer_.StartObject();
     Member("kind", kActionName[static_cast<std::size_t>(action.kind)]);
-    Optional("type", action.type);
-    Optional("name", action.name);
+    Optional("type", NamesOf(action).type);
+    Optional("name", NamesOf(action).name);
     Member("label", ActionLabel(action));
     if (action.delay != 0) {
       Key("delay");

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "host/text_buffer.h"
+
 namespace vs_wml {
 
 /// Collects bytes and hands them on in large pieces. The destination may throw; what
@@ -23,27 +25,41 @@ class Output {
   Output &operator=(const Output &) = delete;
 
   Output &operator<<(std::string_view text) {
-    buffer_.append(text);
-    if (buffer_.size() >= kPiece) Flush();
+    if (buffer_.Size() == 0 && text.size() >= kLongText) {
+      destination_(text);
+      return *this;
+    }
+    buffer_.Add(text);
+    if (buffer_.Size() >= kPiece) Flush();
     return *this;
   }
   Output &operator<<(char character) {
-    buffer_.push_back(character);
+    buffer_.Add(character);
     return *this;
   }
   Output &operator<<(std::size_t number) { return *this << std::to_string(number); }
-  void Pad(std::size_t count, char character = ' ') { buffer_.append(count, character); }
+  /// A part of a larger text.
+  void WritePart(std::string_view whole, std::size_t begin, std::size_t end) {
+    buffer_.AddFrom(whole.substr(begin, end - begin), whole.size() - begin);
+    if (buffer_.Size() >= kPiece) Flush();
+  }
+  void Pad(std::size_t blanks) {
+    constexpr std::string_view kBlanks = "                                ";
+    for (; blanks > kBlanks.size(); blanks -= kBlanks.size()) buffer_.Add(kBlanks);
+    buffer_.AddFrom(kBlanks.substr(0, blanks), kBlanks.size());
+  }
 
   /// Hands on what is in the buffer. The destructor does not.
   void Flush() {
-    if (!buffer_.empty()) destination_(buffer_);
-    buffer_.clear();
+    if (buffer_.Size() != 0) destination_(buffer_.View());
+    buffer_.Clear();
   }
 
  private:
   static constexpr std::size_t kPiece = 65536;
+  static constexpr std::size_t kLongText = kPiece / 4;  // not worth a copy
   Destination destination_;
-  std::string buffer_;
+  TextBuffer buffer_;
 };
 
 }  // namespace vs_wml

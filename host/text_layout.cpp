@@ -5,8 +5,11 @@
 #include <unicode/utext.h>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <memory>
 
+#include "host/byte_scan.h"
 #include "host/utf8.h"
 
 namespace vs_wml {
@@ -107,7 +110,7 @@ class Measure {
   bool Narrow() const { return narrow_; }
 
   std::size_t Columns(std::size_t begin, std::size_t end) const {
-    if (narrow_ && end > ascii_) return Characters(begin, end);
+    if (narrow_ && end > ascii_) return CountCharacters(text_.substr(begin, end - begin));
     return end <= ascii_ ? end - begin : ColumnWidth(text_.substr(begin, end - begin));
   }
 
@@ -116,7 +119,7 @@ class Measure {
   std::size_t Fit(std::size_t begin, std::size_t width) const {
     std::size_t columns = std::min(width, ascii_ - std::min(ascii_, begin));
     std::size_t offset = begin + columns;
-    if (narrow_) return SkipCharacters(offset, width - columns);
+    if (narrow_) return SkipCharacters(text_, offset, width - columns);
     while (offset < text_.size()) {
       if (columns < width && static_cast<unsigned char>(text_[offset]) < 0x80) {
         const std::size_t ascii = AsciiPrefix(text_.substr(offset, width - columns));
@@ -133,26 +136,42 @@ class Measure {
   }
 
  private:
-  std::size_t Characters(std::size_t begin, std::size_t end) const {
-    std::size_t count = 0;
-    for (const char byte : text_.substr(begin, end - begin)) {
-      count += static_cast<std::size_t>(StartsCharacter(byte));
-    }
-    return count;
-  }
-
-  std::size_t SkipCharacters(std::size_t offset, std::size_t count) const {
-    for (std::size_t started = 0; offset < text_.size(); ++offset) {
-      started += static_cast<std::size_t>(StartsCharacter(text_[offset]));
-      if (started > count) break;
-    }
-    return offset;
-  }
-
   std::string_view text_;
   std::size_t ascii_;  // characters at the start, each of which takes one column
   bool narrow_;        // every character takes one column
 };
+
+// The highest bits of the bytes, all of them ASCII, that are this one.
+std::uint64_t BytesThatAre(unsigned char byte, std::uint64_t ascii) {
+  return ~((ascii ^ EightTimes(byte)) + EightTimes(0x7F)) & EightTimes(0x80);
+}
+
+// Up to eight bytes of a text from `offset` on, the first of them lowest.
+std::uint64_t BytesFrom(std::string_view text, std::size_t offset) {
+  const std::size_t left = text.size() - offset;
+  if (left >= 8) return LowestFirst(text.data() + offset);
+  if (text.size() >= 8) return LowestFirst(text.data() + text.size() - 8) >> 8 * (8 - left);
+  std::uint64_t bytes = 0;
+  for (std::size_t at = left; at != 0; --at) {
+    bytes = bytes << 8U | static_cast<unsigned char>(text[offset + at - 1]);
+  }
+  return bytes;
+}
+
+std::size_t WidestAsciiWord(std::string_view text) {
+  std::size_t widest = 0;
+  std::size_t begin = 0;
+  for (std::size_t offset = 0; offset < text.size(); offset += 8) {
+    const std::uint64_t bytes = BytesFrom(text, offset);
+    std::uint64_t ends = BytesThatAre(' ', bytes) | BytesThatAre('\n', bytes);
+    for (; ends != 0; ends &= ends - 1) {
+      const std::size_t end = offset + static_cast<std::size_t>(std::countr_zero(ends)) / 8;
+      widest = std::max(widest, end - begin);
+      begin = end + 1;
+    }
+  }
+  return std::max(widest, text.size() - begin);
+}
 
 // Appends the lines of a text without line feeds, which begins at `offset` of another.
 void BreakPlainLines(std::string_view text, std::size_t offset, std::size_t width,
@@ -201,6 +220,7 @@ void BreakLines(std::string_view text, std::size_t begin, std::size_t end, std::
 }
 
 std::size_t WidestWord(std::string_view text) {
+  if (AsciiPrefix(text) == text.size()) return WidestAsciiWord(text);
   std::size_t widest = 0;
   for (std::size_t begin = 0; begin <= text.size();) {
     const std::size_t feed = std::min(text.find('\n', begin), text.size());

@@ -25,16 +25,34 @@ struct Mark {
   std::uint8_t style;
 };
 
-// Text with its styles, as it is laid out: links numbered, images named.
+// The text of a content as it is laid out, links numbered and images named. Where nothing
+// is added to it, it is the content's own; else it stands in `made`.
 struct FlatText {
-  std::string text;
+  std::string_view text;
+  std::string made;
   std::vector<Mark> marks;
 
   void Clear() {
-    text.clear();
+    made.clear();
     marks.clear();
   }
 };
+
+// Whether what is laid out is the text as it stands.
+bool IsBareText(const Content &content) {
+  return content.links.empty() && content.images.empty();
+}
+
+// The text of runs that lie one behind the other.
+struct Extent {
+  std::size_t begin;
+  std::size_t end;
+};
+
+Extent ExtentOf(std::span<const Run> runs) {
+  if (runs.empty()) return {0, 0};
+  return {runs.front().begin, runs.back().end};
+}
 
 // A link by its number; a field of a form looks like what it is.
 bool IsNumbered(const Content &content, std::uint32_t link) {
@@ -50,6 +68,12 @@ std::uint8_t StyleBits(const Content &content, const Run &run) {
   if (run.style.underline && (numbered || run.link == kNone)) bits |= kUnderline;
   if (numbered) bits |= kLinked;
   return static_cast<std::uint8_t>(bits);
+}
+
+void AppendBracketed(std::string &text, std::string_view inside) {
+  text += '[';
+  text += inside;
+  text += ']';
 }
 
 std::string AnsiStyle(std::uint8_t style) {
@@ -166,14 +190,15 @@ class TextWriter : public BlockSink {
   }
 
   void WriteParagraph(const Content &content, const Paragraph &paragraph) {
-    Flatten(content);
-    if (flat_.text.empty() && content.runs.size() != paragraph.content.runs.size()) return;
+    flat_.Clear();
+    const auto [begin, end] = Flatten(content);
+    if (begin == end && content.runs.size() != paragraph.content.runs.size()) return;
     if (paragraph.preformatted) {
-      WriteLine({0, flat_.text.size(), 0}, 0);
+      WriteLine({begin, end, 0}, 0);
       return;
     }
     lines_.clear();
-    BreakLines(flat_.text, 0, flat_.text.size(), width_, LongWords::kKeep, lines_);
+    BreakLines(flat_.text, begin, end, width_, LongWords::kKeep, lines_);
     for (const Line &line : lines_) {
       WriteLine(line, Indent(paragraph.alignment, width_, line.columns));
     }
@@ -202,14 +227,26 @@ class TextWriter : public BlockSink {
     written_ = true;
   }
 
+  // Lays out the runs of a paragraph or a cell: where they stand in flat_.text.
+  Extent Flatten(const Content &content) {
+    if (!IsBareText(content)) return Make(content);
+    flat_.text = content.text;
+    if (color_) {
+      for (const Run &run : content.runs) {
+        flat_.marks.push_back({run.begin, StyleBits(content, run)});
+      }
+    }
+    return ExtentOf(content.runs);
+  }
+
   // Puts the runs one after the other, with the numbers of the links behind them.
-  void Append(const Content &content) {
+  Extent Make(const Content &content) {
+    std::string &made = flat_.made;
+    const std::size_t begin = made.size();
     std::uint32_t link = kNone;
     const auto endLink = [&] {
       if (!IsNumbered(content, link)) return;
-      flat_.text += '[';
-      flat_.text += std::to_string(content.links[link].number);
-      flat_.text += ']';
+      AppendBracketed(made, std::to_string(content.links[link].number));
       NoteLink(content.links[link]);
     };
     for (const Run &run : content.runs) {
@@ -217,32 +254,24 @@ class TextWriter : public BlockSink {
         endLink();
         link = run.link;
       }
-      if (color_) {
-        flat_.marks.push_back({flat_.text.size(), StyleBits(content, run)});
-      }
+      if (color_) flat_.marks.push_back({made.size(), StyleBits(content, run)});
       if (run.image == kNone) {
-        flat_.text += content.TextOf(run);
+        made += content.TextOf(run);
       } else if (!drawing_ || SmallBitmap(content, run) == nullptr) {
-        flat_.text += '[';
-        flat_.text += ImageLabel(content.images[run.image]);
-        flat_.text += ']';
+        AppendBracketed(made, ImageLabel(content.images[run.image]));
       }
     }
     endLink();
-  }
-
-  void Flatten(const Content &content) {
-    flat_.Clear();
-    Append(content);
+    flat_.text = made;
+    return {begin, made.size()};
   }
 
   // Every link is listed once, in the card where it begins.
   void NoteLink(const Link &link) {
     if (link.number == listedLinks_) return;
     listedLinks_ = link.number;
-    linkList_ += '[';
-    linkList_ += std::to_string(link.number);
-    linkList_ += "] ";
+    AppendBracketed(linkList_, std::to_string(link.number));
+    linkList_ += ' ';
     linkList_ += LinkTargetText(link);
     linkList_ += '\n';
   }
@@ -267,7 +296,7 @@ class TextWriter : public BlockSink {
   void WriteStyled(const Line &line) {
     const std::string_view text = flat_.text;
     if (!color_) {
-      out_ << text.substr(line.begin, line.end - line.begin);
+      out_.WritePart(text, line.begin, line.end);
       return;
     }
     auto mark = std::upper_bound(
@@ -325,9 +354,8 @@ void TextWriter::FlattenCells(const Table &table) {
   flat_.Clear();
   cells_.clear();
   for (const Cell &cell : table.cells) {
-    const std::size_t begin = flat_.text.size();
-    Append(table.ContentOf(cell));
-    cells_.push_back({begin, flat_.text.size(), flat_.text.size() - begin});
+    const auto [begin, end] = Flatten(table.ContentOf(cell));
+    cells_.push_back({begin, end, end - begin});
   }
   const std::string_view text = flat_.text;
   plainCells_ = AsciiPrefix(text) == text.size() && text.find('\n') == std::string_view::npos;

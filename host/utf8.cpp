@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+
+#include "host/byte_scan.h"
 
 namespace vs_wml {
 namespace {
@@ -18,6 +21,21 @@ bool IsAsciiWord(std::string_view text, std::size_t offset) {
   std::uint64_t word = 0;
   std::memcpy(&word, text.data() + offset, sizeof word);
   return (word & kHighBits) == 0;
+}
+
+// As many bytes at once as registers make it cheap.
+using Block = std::array<std::uint64_t, 8>;
+
+// The end of the whole blocks from `offset` on that are ASCII.
+std::size_t SkipAsciiBlocks(std::string_view text, std::size_t offset) {
+  for (; text.size() - offset >= sizeof(Block); offset += sizeof(Block)) {
+    Block block;
+    std::memcpy(&block, text.data() + offset, sizeof block);
+    std::uint64_t high = 0;
+    for (const std::uint64_t word : block) high |= word;
+    if ((high & kHighBits) != 0) break;
+  }
+  return offset;
 }
 
 // What a lead byte says: how many bytes follow, and the range of the first of them,
@@ -127,11 +145,42 @@ unsigned char MayNotBeNarrow(unsigned char byte, unsigned char next, unsigned ch
   return softHyphen | (known ^ 1U);
 }
 
+// How many of the eight bytes from `offset` on start a character.
+std::size_t StartsInWord(std::string_view text, std::size_t offset) {
+  const std::uint64_t word = LowestFirst(text.data() + offset);
+  const std::uint64_t following = (word >> 7U) & ~(word >> 6U) & EightTimes(1);
+  return 8 - ((following * EightTimes(1)) >> 56U);
+}
+
 }  // namespace
 
-std::size_t AsciiPrefix(std::string_view text) {
+std::size_t CountCharacters(std::string_view text) {
+  std::size_t count = 0;
   std::size_t offset = 0;
-  if (text.size() >= sizeof(std::uint64_t)) {
+  for (; text.size() - offset >= 8; offset += 8) count += StartsInWord(text, offset);
+  for (; offset < text.size(); ++offset) {
+    count += static_cast<std::size_t>(StartsCharacter(text[offset]));
+  }
+  return count;
+}
+
+std::size_t SkipCharacters(std::string_view text, std::size_t offset, std::size_t count) {
+  std::size_t started = 0;
+  for (; text.size() - offset >= 8; offset += 8) {
+    const std::size_t starts = StartsInWord(text, offset);
+    if (started + starts > count) break;
+    started += starts;
+  }
+  for (; offset < text.size(); ++offset) {
+    started += static_cast<std::size_t>(StartsCharacter(text[offset]));
+    if (started > count) break;
+  }
+  return offset;
+}
+
+std::size_t AsciiPrefix(std::string_view text) {
+  std::size_t offset = SkipAsciiBlocks(text, 0);
+  if (text.size() - offset >= sizeof(std::uint64_t)) {
     const std::size_t last = text.size() - sizeof(std::uint64_t);
     while (offset < last && IsAsciiWord(text, offset)) offset += sizeof(std::uint64_t);
     // The last word may overlap the one before.
@@ -154,7 +203,8 @@ std::size_t FindIllFormedUtf8(std::string_view text) {
 }
 
 bool IsValidUtf8(std::string_view text) {
-  constexpr std::size_t kPiece = sizeof(std::uint64_t);
+  // ASCII is passed over by the word, other characters are checked by half a word.
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
   std::uint64_t state = kBoundary;
   std::size_t offset = 0;
   const auto check = [&](std::size_t end) {
@@ -163,12 +213,16 @@ bool IsValidUtf8(std::string_view text) {
     }
     state &= 63U;
   };
-  while (text.size() - offset >= kPiece) {
-    if (state == kBoundary && IsAsciiWord(text, offset)) {
-      offset += kPiece;
-    } else {
-      check(offset + kPiece);
+  while (text.size() - offset >= kWord) {
+    if (state == kBoundary) {
+      const std::uint64_t high = LowestFirst(text.data() + offset) & kHighBits;
+      if (high == 0) {
+        offset = SkipAsciiBlocks(text, offset + kWord);
+        continue;
+      }
+      offset += static_cast<std::size_t>(std::countr_zero(high)) / 8;
     }
+    check(std::min(offset + kWord / 2, text.size()));
   }
   check(text.size());
   return state == kBoundary;

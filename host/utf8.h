@@ -45,6 +45,12 @@ std::size_t ColumnWidth(std::string_view text);
 /// at a glance: true for ASCII and most text in European scripts.
 bool IsNarrow(std::string_view text);
 
+/// Characters of a well-formed text.
+std::size_t CountCharacters(std::string_view text);
+
+/// Where `count` characters from `offset` on end, or the end of the text.
+std::size_t SkipCharacters(std::string_view text, std::size_t offset, std::size_t count);
+
 /// Whether the byte is none of those that go on with a character of well-formed text.
 constexpr bool StartsCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;

@@ -1,0 +1,88 @@
+/// \file
+/// Looking for bytes, many at once.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_BYTE_SCAN_H
+#define VS_WML_HOST_BYTE_SCAN_H
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace vs_wml {
+
+/// The first eight bytes of a text, the first of them lowest.
+inline std::uint64_t LowestFirst(const char *text) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, text, sizeof word);
+  if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+  return word;
+}
+
+/// A word of eight times the same byte.
+constexpr std::uint64_t EightTimes(unsigned char byte) {
+  return 0x0101010101010101U * byte;
+}
+
+namespace byte_scan {
+
+using Sixteen [[gnu::vector_size(16)]] = unsigned char;
+using Eight [[gnu::vector_size(8)]] = unsigned char;
+
+template <typename Vector>
+Vector Load(const char *text) {
+  Vector bytes;
+  std::memcpy(&bytes, text, sizeof bytes);
+  return bytes;
+}
+
+// The position of the first byte that is not 0 in a word as it lies in memory.
+inline std::size_t FirstByte(std::uint64_t word) {
+  const bool little = std::endian::native == std::endian::little;
+  return static_cast<std::size_t>(little ? std::countr_zero(word) : std::countl_zero(word)) / 8;
+}
+
+// The position of the first byte that is not 0 in a vector, its size when there is none.
+template <typename Vector>
+std::size_t FirstIn(Vector vector) {
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  for (std::size_t at = 0; at < sizeof vector; at += kWord) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, reinterpret_cast<const char *>(&vector) + at, kWord);
+    if (word != 0) return at + FirstByte(word);
+  }
+  return sizeof vector;
+}
+
+// LengthBefore for a text no shorter than the vector, the last of which may overlap the one
+// before.
+template <typename Vector, typename IsSpecial>
+std::size_t LengthInVectors(std::string_view text, IsSpecial isSpecial) {
+  const std::size_t last = text.size() - sizeof(Vector);
+  for (std::size_t at = 0;; at = std::min(at + sizeof(Vector), last)) {
+    const std::size_t first = FirstIn(isSpecial(Load<Vector>(text.data() + at)));
+    if (first != sizeof(Vector)) return at + first;
+    if (at == last) return text.size();
+  }
+}
+
+}  // namespace byte_scan
+
+/// The length of the text before its first special byte. `isSpecial` takes an unsigned
+/// char, or a vector of them, and says with operators that both have.
+template <typename IsSpecial>
+std::size_t LengthBefore(std::string_view text, IsSpecial isSpecial) {
+  using namespace byte_scan;
+  if (text.size() >= sizeof(Sixteen)) return LengthInVectors<Sixteen>(text, isSpecial);
+  if (text.size() >= sizeof(Eight)) return LengthInVectors<Eight>(text, isSpecial);
+  std::size_t at = 0;
+  while (at < text.size() && !isSpecial(static_cast<unsigned char>(text[at]))) ++at;
+  return at;
+}
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_BYTE_SCAN_H
