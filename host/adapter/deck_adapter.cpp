@@ -11,6 +11,7 @@
 #include "host/adapter/deck_survey.h"
 #include "host/adapter/field_collector.h"
 #include "host/adapter/markup_reader.h"
+#include "host/adapter/plain_text.h"
 #include "host/adapter/references.h"
 #include "host/adapter/served_writer.h"
 #include "host/adapter/value_reader.h"
@@ -41,7 +42,7 @@ class DeckAdapter {
         warnings_(document),
         survey_(document, options.variables),
         values_(survey_, kBudgetFactor * document.size() + kBudgetBase),
-        writer_(adapted_.served),
+        writer_(document.size() + document.size() / 4),
         actions_(adapted_.parts, values_, warnings_),
         fields_(adapted_.parts, values_) {}
 
@@ -59,26 +60,30 @@ class DeckAdapter {
     Place place;
     Handler begin;  // null: nothing to do
     Handler end;    // null: nothing to do
+    std::uint64_t key = NameKey(name);
   };
   static const Element kElements[];
-  static constexpr std::size_t kIndexSize = 128;
+  static constexpr std::size_t kIndexBits = 7;
+  static constexpr std::size_t kIndexSize = std::size_t{1} << kIndexBits;
   static const std::array<std::uint8_t, kIndexSize> kElementIndex;
 
-  static constexpr std::size_t FirstSlot(std::string_view name);
-  static const Element *FindElement(std::string_view name);
+  static constexpr std::size_t SlotOf(std::uint64_t nameKey);
+  static const Element *FindElement(const Token &tag);
   void Take(const Token &token);
-  void Start(const Token &token);
+  void Start(const Element &element, const Token &token);
   void End(const Element &element, const Token &token);
 
   // Text.
-  void Characters(std::string_view text);
+  void Characters(const Token &token);
   void Reference(std::string_view text, std::size_t &at);
   void Variable(std::string_view text, std::size_t &at);
   void Write(std::string_view text);
+  void WritePlain(std::string_view text);
   void WriteCharacter(char32_t character);
 
   // The deck and its cards.
-  bool EnsureCard();
+  bool EnsureCard() { return inCard_ || OpenOnlyCard(); }
+  bool OpenOnlyCard();
   void OpenCard(DeckCard card, std::size_t offset);
   void CloseCard();
   void ConnectFields(const DeckCard &card);
@@ -208,75 +213,62 @@ constexpr DeckAdapter::Element DeckAdapter::kElements[] = {
     {"wml", Place::kDeck, &DeckAdapter::BeginDeck, &DeckAdapter::EndDeck},
 };
 
-// Where in the index the search for a name starts, whatever its case; another slot for
-// each name of an element.
-constexpr std::size_t DeckAdapter::FirstSlot(std::string_view name) {
-  const auto first = static_cast<unsigned char>(ToLower(name.front()));
-  const auto last = static_cast<unsigned char>(ToLower(name.back()));
-  return (name.size() + 2U * first + 17U * last) % kIndexSize;
+// Where the index has the element of a name; the multiplier gives each a slot of its own.
+constexpr std::size_t DeckAdapter::SlotOf(std::uint64_t nameKey) {
+  constexpr std::uint64_t kMultiplier = 0xDE95A88E1B8DEAC9U;
+  return (nameKey * kMultiplier) >> (64U - kIndexBits);
 }
 
-// A hash table: positions in kElements from 1 on, 0 for a free slot.
+// Positions in kElements from 1 on, 0 for a free slot.
 constexpr std::array<std::uint8_t, DeckAdapter::kIndexSize> DeckAdapter::kElementIndex = [] {
   std::array<std::uint8_t, kIndexSize> index{};
   for (std::size_t element = 0; element < std::size(kElements); ++element) {
-    std::size_t slot = FirstSlot(kElements[element].name);
-    while (index[slot] != 0) slot = (slot + 1) % kIndexSize;
-    index[slot] = static_cast<std::uint8_t>(element + 1);
+    std::uint8_t &entry = index[SlotOf(kElements[element].key)];
+    if (entry != 0) throw "two elements in one slot";
+    entry = static_cast<std::uint8_t>(element + 1);
   }
   return index;
 }();
 
 AdaptedDeck DeckAdapter::Run() {
-  adapted_.served.reserve(document_.size() + document_.size() / 4);
   writer_.BeginDeck();
   MarkupReader reader(document_, &warnings_);
   for (Token token; reader.Next(token);) Take(token);
   CloseCard();
   writer_.EndDeck();
+  adapted_.served = std::move(writer_).Take();
   adapted_.warnings = warnings_.Take();
   return std::move(adapted_);
 }
 
-const DeckAdapter::Element *DeckAdapter::FindElement(std::string_view name) {
-  if (name.empty()) return nullptr;
-  for (std::size_t slot = FirstSlot(name); kElementIndex[slot] != 0;
-       slot = (slot + 1) % kIndexSize) {
-    const Element &element = kElements[kElementIndex[slot] - 1];
-    if (IsLowered(name, element.name)) return &element;
-  }
-  return nullptr;
+inline const DeckAdapter::Element *DeckAdapter::FindElement(const Token &tag) {
+  const std::uint8_t entry = kElementIndex[SlotOf(tag.nameKey)];
+  if (entry == 0) return nullptr;
+  const Element &element = kElements[entry - 1];
+  if (element.key != tag.nameKey) return nullptr;
+  const bool whole = tag.name.size() < sizeof element.key;
+  return whole || IsLowered(tag.name, element.name) ? &element : nullptr;
 }
 
-void DeckAdapter::Take(const Token &token) {
-  switch (token.kind) {
-    case TokenKind::kText:
-      Characters(token.text);
-      break;
-    case TokenKind::kLiteral:
-      if (!IsBlank(token.text) && EnsureCard()) Write(token.text);
-      break;
-    case TokenKind::kStartTag:
-      Start(token);
-      break;
-    case TokenKind::kEndTag:
-      if (const Element *element = FindElement(token.name)) End(*element, token);
-      break;
-    case TokenKind::kEnd:
-      break;
+inline void DeckAdapter::Take(const Token &token) {
+  if (token.kind == TokenKind::kText) {
+    Characters(token);
+  } else if (token.kind == TokenKind::kLiteral) {
+    if (!IsBlank(token.text) && EnsureCard()) Write(token.text);
+  } else if (const Element *element = FindElement(token)) {
+    token.kind == TokenKind::kStartTag ? Start(*element, token) : End(*element, token);
   }
 }
 
-void DeckAdapter::Start(const Token &token) {
-  const Element *element = FindElement(token.name);
-  if (element == nullptr || element->begin == nullptr) return;
-  if (element->place != Place::kDeck && !EnsureCard()) return;
-  if (element->place == Place::kText && fields_.InOption()) {
-    if (element->name == "br") fields_.AddOptionText(" ");
+void DeckAdapter::Start(const Element &element, const Token &token) {
+  if (element.begin == nullptr) return;
+  if (element.place != Place::kDeck && !EnsureCard()) return;
+  if (element.place == Place::kText && fields_.InOption()) {
+    if (element.name == "br") fields_.AddOptionText(" ");
     return;
   }
-  (this->*element->begin)(token);
-  if (token.empty) End(*element, token);
+  (this->*element.begin)(token);
+  if (token.empty) End(element, token);
 }
 
 void DeckAdapter::End(const Element &element, const Token &token) {
@@ -288,27 +280,46 @@ void DeckAdapter::End(const Element &element, const Token &token) {
 
 // ------------------------------------------------------------------------- text
 
-void DeckAdapter::Characters(std::string_view text) {
+void DeckAdapter::Characters(const Token &token) {
+  const std::string_view text = token.text;
   if (!inCard_ && (IsBlank(text) || !inDeck_ || !EnsureCard())) return;
-  std::size_t reference = text.find('&');
-  std::size_t variable = text.find('$');
+  // Blanks between the options of a list are not text.
+  if (fields_.InSelect() && !fields_.InOption() && IsBlank(text)) return;
+  if (token.plain) {
+    WritePlain(text);
+    return;
+  }
   for (std::size_t at = 0; at < text.size();) {
-    if (reference < at) reference = text.find('&', at);
-    if (variable < at) variable = text.find('$', at);
-    const std::size_t special = std::min({reference, variable, text.size()});
-    if (at < special) Write(text.substr(at, special - at));
-    at = special;
-    if (at == reference) Reference(text, at);
-    if (at == variable) Variable(text, at);
+    const std::size_t plain = PlainLength(text.substr(at));
+    if (plain != 0) WritePlain(text.substr(at, plain));
+    at += plain;
+    if (at == text.size()) break;
+    if (text[at] == '&') {
+      Reference(text, at);
+    } else if (text[at] == '$') {
+      Variable(text, at);
+    } else {
+      // A control character may be two bytes long, the first of them 0xC2.
+      const std::string_view special = text.substr(at, text[at] == '\xC2' ? 2 : 1);
+      Write(special);
+      at += special.size();
+    }
   }
 }
 
-// To the open option, else to the text; blanks between the options of a list are not
-// text.
+void DeckAdapter::WritePlain(std::string_view text) {
+  if (fields_.InOption()) {
+    fields_.AddOptionText(text);
+  } else {
+    writer_.PlainText(text, static_cast<std::size_t>(document_.end() - text.begin()));
+  }
+}
+
+// Text with anything in it that may need care but references and variables.
 void DeckAdapter::Write(std::string_view text) {
   if (fields_.InOption()) {
     fields_.AddOptionText(text);
-  } else if (!fields_.InSelect() || !IsBlank(text)) {
+  } else {
     writer_.Text(text);
   }
 }
@@ -354,9 +365,8 @@ void DeckAdapter::Variable(std::string_view text, std::size_t &at) {
 
 // ------------------------------------------------------------ the deck, its cards
 
-// Whether there is a card for content. A deck without any cards is shown as one.
-bool DeckAdapter::EnsureCard() {
-  if (inCard_) return true;
+// Content needs a card: a deck without any is shown as one.
+bool DeckAdapter::OpenOnlyCard() {
   if (inHead_ || inTemplate_ || survey_.HasCards()) return false;
   if (adapted_.parts.cards.empty()) {
     warnings_.Add("the deck has no card; it is shown as one", 0);

@@ -3,8 +3,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <utility>
 
 #include "host/adapter/ascii.h"
+#include "host/adapter/plain_text.h"
+#include "host/byte_scan.h"
 
 namespace vs_wml {
 namespace {
@@ -29,6 +33,15 @@ constexpr bool IsNameStart(char c) {
   return IsLetter(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
 
+// How many letters these bytes, in lower case, start with.
+std::size_t CountLetters(std::uint64_t lowered) {
+  const std::uint64_t ascii = lowered & EightTimes(0x7F);
+  const std::uint64_t fromA = ascii + EightTimes(0x80 - 'a');
+  const std::uint64_t behindZ = ascii + EightTimes(0x80 - 'z' - 1);
+  const std::uint64_t letters = fromA & ~behindZ & ~lowered & EightTimes(0x80);
+  return static_cast<std::size_t>(std::countr_one(letters | EightTimes(0x7F))) / 8;
+}
+
 }  // namespace
 
 const std::string_view *Token::Find(std::string_view attribute) const {
@@ -38,28 +51,48 @@ const std::string_view *Token::Find(std::string_view attribute) const {
   return nullptr;
 }
 
+// A '<' that does not look like markup is text: "a < b".
+inline bool MarkupReader::StartsMarkup(std::size_t at) const {
+  if (document_[at] != '<' || at + 1 >= document_.size()) return false;
+  const char next = document_[at + 1];
+  if (next == '/') return at + 2 < document_.size() && IsNameStart(document_[at + 2]);
+  return IsNameStart(next) || next == '!' || next == '?' || next == '%' || IsLooseTag(at);
+}
+
 bool MarkupReader::Next(Token &token) {
   token.attributes.clear();
   token.empty = false;
   while (position_ < document_.size()) {
     token.offset = position_;
-    if (!StartsMarkup(position_)) {
+    if (!std::exchange(atMarkup_, false) && !StartsMarkup(position_)) {
       ReadText(token);
       return true;
     }
-    if (ReadMarkup(token)) return true;
+    const char next = document_[position_ + 1];
+    if (next != '!' && next != '?' && next != '%') {
+      ReadTag(token);
+      return true;
+    }
+    if (ReadSection(token)) return true;
   }
   token.kind = TokenKind::kEnd;
   return false;
 }
 
-void MarkupReader::ReadText(Token &token) {
-  std::size_t end = position_ + 1;
-  while ((end = document_.find('<', end)) != kNone && !StartsMarkup(end)) ++end;
-  end = std::min(end, document_.size());
+inline void MarkupReader::ReadText(Token &token) {
   token.kind = TokenKind::kText;
+  std::size_t end = position_ + PlainLength(document_.substr(position_));
+  atMarkup_ = end < document_.size() && StartsMarkup(end);
+  token.plain = atMarkup_ || end == document_.size();
+  if (!token.plain) end = FindMarkup(end);
   token.text = document_.substr(position_, end - position_);
   position_ = end;
+}
+
+// Where the next markup from `at` on starts, or the end of the document.
+std::size_t MarkupReader::FindMarkup(std::size_t at) const {
+  while ((at = document_.find('<', at)) != kNone && !StartsMarkup(at)) ++at;
+  return std::min(at, document_.size());
 }
 
 void MarkupReader::Warn(const char *message, std::size_t offset) const {
@@ -68,14 +101,6 @@ void MarkupReader::Warn(const char *message, std::size_t offset) const {
 
 bool MarkupReader::StartsWith(std::size_t at, std::string_view prefix) const {
   return document_.substr(at, prefix.size()) == prefix;
-}
-
-// A '<' that does not look like markup is text: "a < b".
-bool MarkupReader::StartsMarkup(std::size_t at) const {
-  if (document_[at] != '<' || at + 1 >= document_.size()) return false;
-  const char next = document_[at + 1];
-  if (next == '/') return at + 2 < document_.size() && IsNameStart(document_[at + 2]);
-  return IsNameStart(next) || next == '!' || next == '?' || next == '%' || IsLooseTag(at);
 }
 
 // "< br/>": a blank, a name and nothing else.
@@ -89,17 +114,9 @@ bool MarkupReader::IsLooseTag(std::size_t at) const {
   return !inside.empty() && std::all_of(inside.begin(), inside.end(), IsLetter);
 }
 
-// True when it gave a token, false when it was passed over.
-bool MarkupReader::ReadMarkup(Token &token) {
+// What is neither text nor a tag: true when it gave a token, false when it was passed over.
+bool MarkupReader::ReadSection(Token &token) {
   switch (document_[position_ + 1]) {
-    case '!':
-      if (StartsWith(position_, kCdataStart)) return ReadCdata(token);
-      if (StartsWith(position_, "<!--")) {
-        SkipComment();
-      } else {
-        SkipDeclaration();
-      }
-      return false;
     case '?':
       SkipUntil(position_ + 2, "?>", "a processing instruction does not end");
       return false;
@@ -107,12 +124,14 @@ bool MarkupReader::ReadMarkup(Token &token) {
       Warn("server-side code was left out", position_);
       SkipUntil(position_ + 2, "%>", "server-side code does not end");
       return false;
-    case '/':
-      ReadEndTag(token);
-      return true;
     default:
-      ReadStartTag(token);
-      return true;
+      if (StartsWith(position_, kCdataStart)) return ReadCdata(token);
+      if (StartsWith(position_, "<!--")) {
+        SkipComment();
+      } else {
+        SkipDeclaration();
+      }
+      return false;
   }
 }
 
@@ -180,10 +199,37 @@ void MarkupReader::SkipToTagEnd() {
   position_ = end == kNone ? document_.size() : end + 1;
 }
 
-void MarkupReader::ReadEndTag(Token &token) {
-  token.kind = TokenKind::kEndTag;
-  position_ += 2;
+// Nearly all names are a few letters, which are found and compared without a loop.
+inline void MarkupReader::ReadTagName(Token &token) {
+  const std::string_view rest = document_.substr(position_);
+  if (rest.size() > sizeof token.nameKey) {
+    const std::uint64_t lowered = LowestFirst(rest.data()) | EightTimes(0x20);
+    const std::size_t length = CountLetters(lowered);
+    if (length < sizeof token.nameKey && !IsNameCharacter(rest[length])) {
+      token.name = rest.substr(0, length);
+      token.nameKey = lowered & ((std::uint64_t{1} << (8 * length)) - 1);
+      position_ += length;
+      return;
+    }
+  }
   token.name = ReadName();
+  token.nameKey = NameKey(token.name);
+}
+
+inline void MarkupReader::ReadTag(Token &token) {
+  const bool ends = document_[position_ + 1] == '/';
+  token.kind = ends ? TokenKind::kEndTag : TokenKind::kStartTag;
+  position_ = SkipWhiteSpace(document_, position_ + (ends ? 2 : 1));
+  ReadTagName(token);
+  if (position_ < document_.size() && document_[position_] == '>') {
+    ++position_;
+  } else {
+    ends ? SkipEndTag() : ReadAttributes(token);
+  }
+}
+
+// Passes over what stands behind the name of an end tag.
+void MarkupReader::SkipEndTag() {
   const std::size_t nameEnd = position_;
   while (position_ < document_.size() && document_[position_] != '<') {
     if (document_[position_++] == '>') return;
@@ -191,11 +237,8 @@ void MarkupReader::ReadEndTag(Token &token) {
   Warn("a tag does not end", nameEnd);
 }
 
-void MarkupReader::ReadStartTag(Token &token) {
-  token.kind = TokenKind::kStartTag;
-  ++position_;
-  position_ = SkipWhiteSpace(document_, position_);
-  token.name = ReadName();
+// Reads a start tag from behind its name on.
+void MarkupReader::ReadAttributes(Token &token) {
   while (true) {
     position_ = SkipWhiteSpace(document_, position_);
     if (position_ == document_.size() || document_[position_] == '<') {

@@ -5,12 +5,13 @@
 #ifndef VS_WML_HOST_ADAPTER_MARKUP_READER_H
 #define VS_WML_HOST_ADAPTER_MARKUP_READER_H
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
+#include "host/adapter/ascii.h"
 #include "host/adapter/warnings.h"
 
 namespace vs_wml {
@@ -28,12 +29,25 @@ enum class TokenKind : std::uint8_t {
   kEnd  ///< the end of the document
 };
 
+/// The first eight letters of a name in lower case, so that names are compared at once;
+/// 0 when there is something else among them.
+constexpr std::uint64_t NameKey(std::string_view name) {
+  std::uint64_t key = 0;
+  for (std::size_t at = 0; at < std::min(name.size(), sizeof key); ++at) {
+    if (!IsLetter(name[at])) return 0;
+    key |= std::uint64_t{static_cast<unsigned char>(ToLower(name[at]))} << (8 * at);
+  }
+  return key;
+}
+
 /// Views point into the document.
 struct Token {
   TokenKind kind = TokenKind::kEnd;
   std::size_t offset = 0;
   std::string_view text;              ///< of kText and kLiteral
+  bool plain = false;                 ///< of kText: as it is, see PlainLength
   std::string_view name;              ///< of tags, as written
+  std::uint64_t nameKey = 0;          ///< of tags: NameKey of the name
   std::vector<Attribute> attributes;  ///< of kStartTag
   bool empty = false;                 ///< of kStartTag: closed by "/"
 
@@ -57,17 +71,21 @@ class MarkupReader {
 
  private:
   bool StartsMarkup(std::size_t at) const;
-  bool IsLooseTag(std::size_t at) const;
+  [[gnu::noinline]] bool IsLooseTag(std::size_t at) const;
   bool StartsWith(std::size_t at, std::string_view prefix) const;
   void ReadText(Token &token);
-  bool ReadMarkup(Token &token);
+  [[gnu::noinline]] std::size_t FindMarkup(std::size_t at) const;
+  // Out of line, like all that is rare, to keep short what reads nearly every token.
+  [[gnu::noinline]] bool ReadSection(Token &token);
   bool ReadCdata(Token &token);
   void SkipComment();
   void SkipDeclaration();
   void SkipUntil(std::size_t from, std::string_view end, const char *warning);
   void SkipToTagEnd();
-  void ReadEndTag(Token &token);
-  void ReadStartTag(Token &token);
+  void ReadTag(Token &token);
+  void ReadTagName(Token &token);
+  [[gnu::noinline]] void SkipEndTag();
+  [[gnu::noinline]] void ReadAttributes(Token &token);
   void ReadAttribute(Token &token);
   std::string_view ReadValue(const Token &token);
   bool ReadQuotedValue(std::string_view &value);
@@ -78,6 +96,7 @@ class MarkupReader {
   std::string_view document_;
   Warnings *warnings_;
   std::size_t position_ = 0;
+  bool atMarkup_ = false;  // what stands there is known to be markup
   // What was looked for once and does not come any more: looking again would make
   // the work quadratic.
   std::vector<std::string_view> absent_;

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "host/adapter/ascii.h"
+#include "host/byte_scan.h"
 #include "host/entities.h"
 #include "host/utf8.h"
 
@@ -28,13 +29,13 @@ constexpr std::array<std::uint16_t, 32> kWindows1252 = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
-// The bytes that are taken as they are, wherever they stand.
-constexpr auto kClean = [] {
-  std::array<bool, 256> clean{};
-  for (std::size_t byte = 0x20; byte < clean.size(); ++byte) clean[byte] = byte != 0x7F;
-  clean[0xC2] = false;  // may begin a control character
-  return clean;
-}();
+// Whether a byte is a control character or, 0xC2, may begin one.
+struct MayBeControl {
+  template <typename T>
+  constexpr auto operator()(T byte) const {
+    return (byte < 0x20) | (byte == 0x7F) | (byte == 0xC2);
+  }
+};
 
 constexpr bool IsHighSurrogate(char32_t c) {
   return c >= 0xD800 && c < 0xDC00;
@@ -52,7 +53,7 @@ std::size_t NameEnd(std::string_view text) {
 CharacterReference ReadNamed(std::string_view text, ReferencePlace place) {
   // The five names of XML count as soon as they are complete in text.
   for (const NamedCharacter &entry : kXmlNames) {
-    if (text.substr(1, entry.name.size()) != entry.name) continue;
+    if (text[1] != entry.name[0] || !text.substr(1).starts_with(entry.name)) continue;
     const std::size_t end = 1 + entry.name.size();
     if (end < text.size() && text[end] == ';') return {entry.character, end + 1};
     if (place == ReferencePlace::kText) return {entry.character, end};
@@ -136,9 +137,9 @@ std::size_t NamedReferenceLength(std::string_view text) {
 
 void AppendClean(std::string &out, std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
-    const std::size_t start = at;
-    while (at < text.size() && kClean[static_cast<unsigned char>(text[at])]) ++at;
-    out += text.substr(start, at - start);
+    const std::size_t clean = LengthBefore(text.substr(at), MayBeControl{});
+    out += text.substr(at, clean);
+    at += clean;
     if (at == text.size()) return;
     const auto byte = static_cast<unsigned char>(text[at]);
     const bool highControl =
@@ -154,21 +155,23 @@ void AppendClean(std::string &out, std::string_view text) {
 }
 
 std::string DecodeAttribute(std::string_view raw) {
-  std::string value;
-  value.reserve(raw.size());
+  const auto isSpecial = [](auto byte) { return MayBeControl{}(byte) | (byte == '&'); };
+  const std::size_t plain = LengthBefore(raw, isSpecial);
+  std::string value(raw.substr(0, plain));
+  raw.remove_prefix(plain);
   while (!raw.empty()) {
-    const std::size_t plain = std::min(raw.find('&'), raw.size());
-    AppendClean(value, raw.substr(0, plain));
-    raw.remove_prefix(plain);
+    const std::size_t reference = std::min(raw.find('&'), raw.size());
+    AppendClean(value, raw.substr(0, reference));
+    raw.remove_prefix(reference);
     if (raw.empty()) break;
-    const CharacterReference reference = ReadReference(raw, ReferencePlace::kAttribute);
-    std::string character = "&";
-    if (reference.length != 0) {
-      character.clear();
-      AppendUtf8(character, reference.character);
+    const CharacterReference character = ReadReference(raw, ReferencePlace::kAttribute);
+    std::string bytes = "&";
+    if (character.length != 0) {
+      bytes.clear();
+      AppendUtf8(bytes, character.character);
     }
-    AppendClean(value, character);
-    raw.remove_prefix(std::max<std::size_t>(reference.length, 1));
+    AppendClean(value, bytes);
+    raw.remove_prefix(std::max<std::size_t>(character.length, 1));
   }
   return value;
 }

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
+#include <utility>
 
 #include "host/adapter/ascii.h"
+#include "host/adapter/plain_text.h"
 #include "host/utf8.h"
 
 namespace vs_wml {
@@ -14,88 +17,109 @@ namespace {
 constexpr std::string_view kScheme = "unwml:";
 constexpr std::string_view kKinds = "afp";
 
-struct Tags {
-  std::string_view start;
-  std::string_view end;
+// A tag with what is behind it in memory, see TextBuffer::AddFrom.
+using Tag = std::array<char, 32>;
+
+constexpr Tag StyleTag(std::string_view start, std::string_view name) {
+  Tag tag{};
+  std::copy(name.begin(), name.end(), std::copy(start.begin(), start.end(), tag.begin()));
+  tag[start.size() + name.size()] = '>';
+  return tag;
+}
+
+struct StyleTags {
+  Tag start;
+  Tag end;
+  std::size_t nameLength;
 };
 
-constexpr std::array<Tags, kStyleCount> kStyleTags = {{{"<b>", "</b>"},
-                                                       {"<big>", "</big>"},
-                                                       {"<em>", "</em>"},
-                                                       {"<i>", "</i>"},
-                                                       {"<pre>", "</pre>"},
-                                                       {"<small>", "</small>"},
-                                                       {"<strong>", "</strong>"},
-                                                       {"<u>", "</u>"}}};
+constexpr StyleTags TagsOf(std::string_view name) {
+  return {StyleTag("<", name), StyleTag("</", name), name.size()};
+}
+
+constexpr std::array<StyleTags, kStyleCount> kStyleTags = {
+    TagsOf("b"),   TagsOf("big"),   TagsOf("em"),     TagsOf("i"),
+    TagsOf("pre"), TagsOf("small"), TagsOf("strong"), TagsOf("u")};
+
+void WriteStyleStart(TextBuffer &served, Style style) {
+  const auto &[start, end, nameLength] = kStyleTags[static_cast<std::size_t>(style)];
+  served.AddFrom({start.data(), nameLength + 2}, start.size());
+}
+
+void WriteStyleEnd(TextBuffer &served, Style style) {
+  const auto &[start, end, nameLength] = kStyleTags[static_cast<std::size_t>(style)];
+  served.AddFrom({end.data(), nameLength + 3}, end.size());
+}
 
 enum class Place { kText, kAttribute };
 
 // What is special in text is a dollar, in an attribute a quote.
-void AppendSpecial(std::string &served, char c, Place place) {
+void AddSpecial(TextBuffer &served, char c, Place place) {
   switch (c) {
     case '<':
-      served += "&lt;";
+      served.Add("&lt;");
       break;
     case '>':  // in text, "/>" would end an element of the filter's
-      served += "&gt;";
+      served.Add("&gt;");
       break;
     case '&':
-      served += "&amp;";
+      served.Add("&amp;");
       break;
     case '"':
-      served += place == Place::kText ? "\"" : "&quot;";
+      served.Add(place == Place::kText ? "\"" : "&quot;");
       break;
     case '$':
-      served += place == Place::kText ? "$$" : "$";
+      served.Add(place == Place::kText ? "$$" : "$");
       break;
     default:
-      served += c;
+      served.Add(c);
   }
 }
 
-// The bytes that are served as they are, wherever they stand.
-constexpr auto kPlain = [] {
-  std::array<bool, 256> plain{};
-  for (std::size_t byte = 0x20; byte < plain.size(); ++byte) plain[byte] = byte != 0x7F;
-  for (const char special : {'<', '>', '&', '"', '$'})
-    plain[static_cast<unsigned char>(special)] = false;
-  plain[0xC2] = false;  // may begin a control character
-  return plain;
-}();
-
 // Control characters are left out, white space in text excepted: some switch the filter's
 // character set, others a terminal's.
-void AppendEscaped(std::string &served, std::string_view text, Place place) {
+void AddEscaped(TextBuffer &served, std::string_view text, Place place) {
   for (std::size_t at = 0; at < text.size(); ++at) {
-    const std::size_t start = at;
-    while (at < text.size() && kPlain[static_cast<unsigned char>(text[at])]) ++at;
-    served += text.substr(start, at - start);
-    if (at == text.size()) return;
+    if (place == Place::kText) {
+      const std::size_t plain = PlainLength(text.substr(at));
+      served.Add(text.substr(at, plain));
+      at += plain;
+      if (at == text.size()) return;
+    }
     const auto byte = static_cast<unsigned char>(text[at]);
     const bool highControl =
         byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
     if (highControl) ++at;
     const bool keptControl = place == Place::kText && IsWhiteSpace(text[at]);
     if (highControl || (byte < 0x20 && !keptControl) || byte == 0x7F) continue;
-    AppendSpecial(served, text[at], place);
+    AddSpecial(served, text[at], place);
   }
+}
+
+void AddNumber(TextBuffer &served, std::size_t number) {
+  std::array<char, std::numeric_limits<std::size_t>::digits10 + 1> digits;
+  const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+  served.Add({digits.begin(), end});
+}
+
+void AddTarget(TextBuffer &served, const ServedReference &reference) {
+  served.Add(kScheme);
+  served.Add(static_cast<char>(reference.kind));
+  served.Add(':');
+  AddNumber(served, reference.index);
 }
 
 }  // namespace
 
-std::string ServedTarget(const ServedReference &reference) {
-  std::string target(kScheme);
-  target += static_cast<char>(reference.kind);
-  target += ':';
-  target += std::to_string(reference.index);
-  return target;
-}
-
 std::string ServedAttribute(std::string_view name, std::string_view value) {
   if (value.empty()) return {};
-  std::string attribute = ' ' + std::string(name) + "=\"";
-  AppendEscaped(attribute, value, Place::kAttribute);
-  return attribute += '"';
+  TextBuffer attribute;
+  attribute.Add(' ');
+  attribute.Add(name);
+  attribute.Add("=\"");
+  AddEscaped(attribute, value, Place::kAttribute);
+  attribute.Add('"');
+  return std::move(attribute).Take();
 }
 
 std::optional<ServedReference> ParseServedTarget(std::string_view target) {
@@ -112,7 +136,7 @@ std::optional<ServedReference> ParseServedTarget(std::string_view target) {
 }
 
 void ServedWriter::BeginCard() {
-  served_ += "<card>";
+  served_.Add("<card>");
   Push(Element::kCard);
 }
 
@@ -124,7 +148,7 @@ void ServedWriter::CloseAll() {
     styleDepth_[style] = 1;
     CloseStyle(static_cast<Style>(style));
   }
-  whiteSpace_.clear();
+  served_.Truncate(served_.Size() - std::exchange(whiteSpace_, 0));
 }
 
 void ServedWriter::EndCard() {
@@ -132,70 +156,87 @@ void ServedWriter::EndCard() {
 }
 
 void ServedWriter::Text(std::string_view text) {
-  const std::size_t end = LengthWithoutWhiteSpace(text);
-  const std::string_view behind = text.substr(end);
-  text = text.substr(0, end);
-  if (!text.empty() && AnythingBeforeContent()) {
-    const std::size_t first = SkipWhiteSpace(text, 0);
-    whiteSpace_ += text.substr(0, first);
-    text.remove_prefix(first);
-    BeforeContent();
+  AddEscaped(served_, BeginText(text), Place::kText);
+}
+
+void ServedWriter::PlainText(std::string_view text, std::size_t readable) {
+  const std::string_view rest = BeginText(text);
+  served_.AddFrom(rest, readable - (text.size() - rest.size()));
+}
+
+// What is to be written of the text behind its white space, and what comes before content.
+std::string_view ServedWriter::BeginText(std::string_view text) {
+  const std::size_t length = LengthWithoutWhiteSpace(text);
+  if (length == 0) {
+    whiteSpace_ += text.size();
+    return text;
   }
-  AppendEscaped(served_, text, Place::kText);
-  if (!behind.empty()) whiteSpace_ += behind;
+  const std::size_t blanks = text.size() - length;
+  if (paragraphEnded_ || link_ != kNoIndex) {
+    const std::size_t first = SkipWhiteSpace(text, 0);
+    served_.Add(text.substr(0, first));
+    BeforeContent();
+    text.remove_prefix(first);
+  }
+  whiteSpace_ = blanks;
+  return text;
 }
 
 void ServedWriter::Character(char32_t character) {
   BeforeContent();
   if (character < 0x80) {
-    AppendSpecial(served_, static_cast<char>(character), Place::kText);
+    AddSpecial(served_, static_cast<char>(character), Place::kText);
   } else {
-    AppendUtf8(served_, character);
+    std::string bytes;
+    AppendUtf8(bytes, character);
+    served_.Add(bytes);
   }
 }
 
 void ServedWriter::NamedReference(std::string_view reference) {
   BeforeContent();
-  served_ += reference;
+  served_.Add(reference);
 }
 
 void ServedWriter::OpenStyle(Style style) {
   if (styleDepth_[static_cast<std::size_t>(style)]++ != 0) return;
   if (style == Style::kPre) StartParagraph();  // none can start inside
-  FlushWhiteSpace();
+  whiteSpace_ = 0;
   Push(Element::kStyle, style);
-  served_ += kStyleTags[static_cast<std::size_t>(style)].start;
+  WriteStyleStart(served_, style);
 }
 
 void ServedWriter::CloseStyle(Style style) {
   std::uint32_t &depth = styleDepth_[static_cast<std::size_t>(style)];
   if (depth == 0) return;
   if (depth == 1) {
-    FlushWhiteSpace();
+    whiteSpace_ = 0;
     if (!CloseInline(Element::kStyle, style)) return;
   }
   --depth;
 }
 
 void ServedWriter::Paragraph(std::string_view attributes) {
-  FlushWhiteSpace();
+  whiteSpace_ = 0;
   paragraphEnded_ = false;
-  served_ += "<p";
-  served_ += attributes;
-  served_ += '>';
+  served_.Add("<p");
+  served_.Add(attributes);
+  served_.Add('>');
 }
 
 void ServedWriter::LineBreak() {
   StartParagraph();
-  FlushWhiteSpace();
-  served_ += "<br/>";
+  whiteSpace_ = 0;
+  served_.Add("<br/>");
 }
 
 void ServedWriter::Image(std::size_t picture, std::string_view attributes) {
   BeforeContent();
-  served_ += "<img src=\"" + ServedTarget({ServedKind::kPicture, picture}) + '"';
-  served_ += attributes;
-  served_ += "/>";
+  served_.Add("<img src=\"");
+  AddTarget(served_, {ServedKind::kPicture, picture});
+  served_.Add('"');
+  served_.Add(attributes);
+  served_.Add("/>");
 }
 
 void ServedWriter::OpenLink(std::size_t action) {
@@ -209,7 +250,7 @@ void ServedWriter::CloseLink() {
   if (IsOpen(Element::kLink)) {
     CloseInline(Element::kLink, {});
   } else if (!linkHasContent_) {
-    FlushWhiteSpace();
+    whiteSpace_ = 0;
     WriteMarker({ServedKind::kAction, link_}, {});
   }
   link_ = kNoIndex;
@@ -226,36 +267,38 @@ void ServedWriter::Marker(const ServedReference &reference, std::string_view tex
   }
   InterruptLink();
   StartParagraph();
-  FlushWhiteSpace();
+  whiteSpace_ = 0;
   WriteMarker(reference, text);
 }
 
 void ServedWriter::WriteMarker(const ServedReference &reference, std::string_view text) {
   WriteLinkStart(reference);
-  AppendEscaped(served_, text, Place::kText);
-  served_ += "</a>";
+  AddEscaped(served_, text, Place::kText);
+  served_.Add("</a>");
 }
 
 void ServedWriter::OpenTable(std::size_t columns, std::string_view attributes) {
   paragraphEnded_ = false;
   InterruptLink();
-  FlushWhiteSpace();
-  served_ += "<table columns=\"" + std::to_string(columns) + '"';
-  served_ += attributes;
-  served_ += '>';
+  whiteSpace_ = 0;
+  served_.Add("<table columns=\"");
+  AddNumber(served_, columns);
+  served_.Add('"');
+  served_.Add(attributes);
+  served_.Add('>');
   Push(Element::kTable);
 }
 
 void ServedWriter::OpenRow() {
   CloseRow();
-  served_ += "<tr>";
+  BeforeWhiteSpace([this] { served_.Add("<tr>"); });
   Push(Element::kRow);
 }
 
 void ServedWriter::OpenCell() {
   CloseCell();
   if (!IsOpen(Element::kRow)) OpenRow();
-  served_ += "<td>";
+  BeforeWhiteSpace([this] { served_.Add("<td>"); });
   Push(Element::kCell);
 }
 
@@ -263,6 +306,20 @@ void ServedWriter::CloseTable() {
   CloseStructure(Element::kTable);
   for (const Deferred &entry : deferred_) WriteMarker(entry.reference, entry.text);
   deferred_.clear();
+}
+
+// White space stays at the end of what is served, so that it can be left out there.
+template <typename Write>
+void ServedWriter::BeforeWhiteSpace(Write write) {
+  if (whiteSpace_ == 0) {
+    write();
+    return;
+  }
+  const std::size_t words = served_.Size() - whiteSpace_;
+  const std::string blanks(served_.View().substr(words));
+  served_.Truncate(words);
+  write();
+  served_.Add(blanks);
 }
 
 void ServedWriter::Push(Element element, Style style) {
@@ -277,7 +334,7 @@ void ServedWriter::StartParagraph() {
 
 void ServedWriter::BeforeContent() {
   StartParagraph();
-  FlushWhiteSpace();
+  whiteSpace_ = 0;
   if (link_ == kNoIndex) return;
   linkHasContent_ = true;
   if (IsOpen(Element::kLink)) return;
@@ -285,37 +342,31 @@ void ServedWriter::BeforeContent() {
   Push(Element::kLink);
 }
 
-void ServedWriter::FlushWhiteSpace() {
-  if (whiteSpace_.empty()) return;
-  served_ += whiteSpace_;
-  whiteSpace_.clear();
-}
-
 void ServedWriter::WriteLinkStart(const ServedReference &reference) {
-  served_ += "<a href=\"";
-  served_ += ServedTarget(reference);
-  served_ += "\">";
+  served_.Add("<a href=\"");
+  AddTarget(served_, reference);
+  served_.Add("\">");
 }
 
 void ServedWriter::WriteEnd(const Open &open) {
   switch (open.element) {
     case Element::kStyle:
-      served_ += kStyleTags[static_cast<std::size_t>(open.style)].end;
+      WriteStyleEnd(served_, open.style);
       break;
     case Element::kLink:
-      served_ += "</a>";
+      served_.Add("</a>");
       break;
     case Element::kTable:
-      served_ += "</table>";
+      served_.Add("</table>");
       break;
     case Element::kRow:
-      served_ += "</tr>";
+      served_.Add("</tr>");
       break;
     case Element::kCell:
-      served_ += "</td>";
+      served_.Add("</td>");
       break;
     case Element::kCard:
-      served_ += "</card>";
+      served_.Add("</card>");
       break;
   }
 }
@@ -330,20 +381,25 @@ bool ServedWriter::CloseInline(Element element, Style style) {
     if (open.element == element && (element == Element::kLink || open.style == style)) break;
     if (open.element != Element::kStyle && open.element != Element::kLink) return false;
   } while (true);
+  BeforeWhiteSpace([&] { CloseAndReopen(first); });
+  return true;
+}
+
+// Closes what is open from `first` on, and opens the styles behind the first again.
+void ServedWriter::CloseAndReopen(std::size_t first) {
   for (std::size_t i = open_.size(); i > first; --i) WriteEnd(open_[i - 1]);
-  --openCount_[static_cast<std::size_t>(element)];
+  --openCount_[static_cast<std::size_t>(open_[first].element)];
   std::size_t kept = first;
   for (std::size_t i = first + 1; i < open_.size(); ++i) {
     const Open inner = open_[i];
     if (inner.element == Element::kStyle) {
-      served_ += kStyleTags[static_cast<std::size_t>(inner.style)].start;
+      WriteStyleStart(served_, inner.style);
       open_[kept++] = inner;
     } else {
       --openCount_[static_cast<std::size_t>(inner.element)];
     }
   }
   open_.resize(kept);
-  return true;
 }
 
 // Closes an element of the structure with all that is open in it. White space is
@@ -351,7 +407,7 @@ bool ServedWriter::CloseInline(Element element, Style style) {
 void ServedWriter::CloseStructure(Element element) {
   if (!IsOpen(element)) return;
   paragraphEnded_ = false;
-  FlushWhiteSpace();
+  whiteSpace_ = 0;
   Open open{};
   do {
     open = open_.back();

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/adapter/deck_parts.h"
+#include "host/text_buffer.h"
 
 namespace vs_wml {
 
@@ -29,15 +30,13 @@ struct ServedReference {
   std::size_t index = 0;
 };
 
-/// The target that is served for a reference. All targets and sources in served markup
-/// have this form: what the document says stands in the DeckParts, where it has no limit of
-/// length and no forbidden characters, and cannot pass for a reference.
-std::string ServedTarget(const ServedReference &reference);
-
 /// ` name="value"`, empty when the value is.
 std::string ServedAttribute(std::string_view name, std::string_view value);
 
-/// The reference of a target, nothing when it does not have the form.
+/// The reference of a target in served markup, nothing when the target does not have the
+/// form that all targets and sources are served in: what the document says stands in the
+/// DeckParts, where it has no limit of length and no forbidden characters, and cannot pass
+/// for a reference.
 std::optional<ServedReference> ParseServedTarget(std::string_view target);
 
 enum class Style : std::uint8_t { kB, kBig, kEm, kI, kPre, kSmall, kStrong, kU };
@@ -45,13 +44,16 @@ inline constexpr std::size_t kStyleCount = 8;
 
 /// Writes markup in which every element is closed, none is nested in one of its own
 /// kind, and no text can be taken for markup. White space is kept as it comes, but put
-/// outside of links.
+/// outside of links, and left out at the end of a card.
 class ServedWriter {
  public:
-  explicit ServedWriter(std::string &served) : served_(served) {}
+  /// `size` is about what will be served.
+  explicit ServedWriter(std::size_t size) : served_(size) {}
 
-  void BeginDeck() { served_ += "<wml>"; }
-  void EndDeck() { served_ += "</wml>"; }
+  void BeginDeck() { served_.Add("<wml>"); }
+  void EndDeck() { served_.Add("</wml>"); }
+  /// What was served; the writer is done then.
+  std::string Take() && { return std::move(served_).Take(); }
   void BeginCard();
   /// Closes all that is open in the card.
   void CloseAll();
@@ -59,6 +61,9 @@ class ServedWriter {
 
   /// Text without markup; white space and control characters are taken care of.
   void Text(std::string_view text);
+  /// Text without anything special in it (see PlainLength), which is `readable` bytes long
+  /// with what lies behind it in memory.
+  void PlainText(std::string_view text, std::size_t readable);
   /// A character that is neither white space nor a control character.
   void Character(char32_t character);
   /// A reference that the filter resolves, "&alpha;".
@@ -107,20 +112,20 @@ class ServedWriter {
   bool IsOpen(Element element) const { return openCount_[static_cast<std::size_t>(element)] != 0; }
   void Push(Element element, Style style = {});
   void StartParagraph();
-  bool AnythingBeforeContent() const {
-    return paragraphEnded_ || link_ != kNoIndex || !whiteSpace_.empty();
-  }
   void BeforeContent();
-  void FlushWhiteSpace();
+  std::string_view BeginText(std::string_view text);
   void WriteLinkStart(const ServedReference &reference);
   void WriteEnd(const Open &open);
   bool CloseInline(Element element, Style style);
+  void CloseAndReopen(std::size_t first);
+  template <typename Write>
+  void BeforeWhiteSpace(Write write);
   void CloseStructure(Element element);
   void InterruptLink();
   void WriteMarker(const ServedReference &reference, std::string_view text);
 
-  std::string &served_;
-  std::string whiteSpace_;  // not yet written: it belongs before what comes next
+  TextBuffer served_;
+  std::size_t whiteSpace_ = 0;  // at the end of served_, as long as tags may go before it
   std::vector<Open> open_;
   std::array<std::uint32_t, kElementCount> openCount_{};  // of each kind in open_
   std::array<std::uint32_t, kStyleCount> styleDepth_{};   // elements of a style that are open

@@ -279,7 +279,7 @@ TEST(DeckAdapter, KeepsGrowthInBounds) {
 }
 
 TEST(ServedTarget, IsRecognised) {
-  const auto reference = ParseServedTarget(ServedTarget({ServedKind::kField, 12}));
+  const auto reference = ParseServedTarget("unwml:f:12");
   ASSERT_TRUE(reference);
   EXPECT_EQ(reference->kind, ServedKind::kField);
   EXPECT_EQ(reference->index, 12U);
