@@ -309,7 +309,7 @@ class HtmlWriter : public BlockSink {
       out_ << "<form id=\"" << kFormId << index << '"';
       WriteAttribute("action", EncodeTarget(task.target));
       out_ << " method=\"" << (task.method == "post" ? "post" : "get") << '"';
-      if (task.encoding == "multipart/form-data") WriteAttribute("enctype", task.encoding);
+      if (task.multipart) WriteAttribute("enctype", "multipart/form-data");
       out_ << '>';
       for (const NameValue &field : task.postFields) {
         if (field.fromField) continue;

@@ -37,7 +37,6 @@ void ActionCollector::Register(std::size_t action) {
 std::size_t ActionCollector::AddLink(const Token &token) {
   Action &link = Add(ActionKind::kLink);
   link.title = values_.Text(token, "title");
-  link.accessKey = values_.Text(token, "accesskey");
   GoTo(link.task, values_.Target(token, "href"));
   return Last();
 }
@@ -50,11 +49,11 @@ std::size_t ActionCollector::AddPick(std::string target) {
 std::size_t ActionCollector::Begin(TaskOwner owner, ActionKind kind, const Token &token) {
   Action &action = Add(kind);
   action.title = values_.Text(token, "title");
-  action.accessKey = values_.Text(token, "accesskey");
-  action.label = Collapsed(values_.Text(token, "label"));
+  action.names = std::make_unique<ActionNames>();
+  action.names->label = Collapsed(values_.Text(token, "label"));
   if (kind == ActionKind::kDo || kind == ActionKind::kEvent) {
-    action.type = Lowered(Trim(values_.Text(token, "type")));
-    action.name = values_.Text(token, "name");
+    action.names->type = Lowered(Trim(values_.Text(token, "type")));
+    action.names->name = values_.Text(token, "name");
   }
   const std::size_t index = Last();
   if (kind == ActionKind::kDo || kind == ActionKind::kEvent) Register(index);
@@ -91,8 +90,7 @@ void ActionCollector::BeginTask(TaskKind kind, const Token &token) {
   task.target = values_.Target(token, "href");
   task.method = Lowered(values_.Text(token, "method"));
   if (task.method.empty()) task.method = "get";
-  task.encoding = values_.Text(token, "enctype");
-  task.acceptCharset = values_.Text(token, "accept-charset");
+  task.multipart = values_.Text(token, "enctype") == "multipart/form-data";
 }
 
 void ActionCollector::AddPostField(const Token &token) {
@@ -107,7 +105,8 @@ void ActionCollector::AddAttributeEvents(const Token &token) {
   for (const std::string_view event : kEvents) {
     if (token.Find(event) == nullptr) continue;
     Action &action = Add(ActionKind::kEvent);
-    action.type = event;
+    action.names = std::make_unique<ActionNames>();
+    action.names->type = event;
     GoTo(action.task, values_.Target(token, event));
     Register(Last());
   }
@@ -128,8 +127,9 @@ void ActionCollector::BeginCard() {
 
 // What a card's action has in common with the one of the template that it replaces.
 std::string ActionCollector::ShadowKey(const Action &action) {
-  if (action.kind == ActionKind::kEvent) return "event " + action.type;
-  return "do " + (action.name.empty() ? action.type : action.name);
+  const ActionNames &names = NamesOf(action);
+  if (action.kind == ActionKind::kEvent) return "event " + names.type;
+  return "do " + (names.name.empty() ? names.type : names.name);
 }
 
 void ActionCollector::EndCard(DeckCard &card) {
@@ -137,7 +137,7 @@ void ActionCollector::EndCard(DeckCard &card) {
   for (const std::size_t index : cardActions_) {
     Action &action = parts_.actions[index];
     if (!templateActions_.empty()) own.insert(ShadowKey(action));
-    if (action.type == "ontimer") action.delay = timer_;
+    if (NamesOf(action).type == "ontimer") action.delay = timer_;
     card.actions.push_back(index);
   }
   for (const std::size_t index : templateActions_) {

@@ -629,7 +629,9 @@ void DeckAdapter::EndSelect(const Token &) {
       writer_.Text(option.label);
       continue;
     }
-    adapted_.parts.actions[option.action].label = option.label;
+    Action &action = adapted_.parts.actions[option.action];
+    if (!action.names) action.names = std::make_unique<ActionNames>();
+    action.names->label = option.label;
     writer_.Marker({ServedKind::kAction, option.action}, option.label);
   }
   writer_.Paragraph(align_);

@@ -15,9 +15,10 @@ constexpr TypeName kDoNames[] = {{"accept", "OK"},   {"prev", "Back"},       {"h
                                  {"reset", "Reset"}, {"options", "Options"}, {"delete", "Delete"}};
 
 std::string EventLabel(const Action &event) {
-  if (event.type == "onenterforward") return "On entry";
-  if (event.type == "onenterbackward") return "On return";
-  if (event.type != "ontimer") return event.type;
+  const std::string &type = NamesOf(event).type;
+  if (type == "onenterforward") return "On entry";
+  if (type == "onenterbackward") return "On return";
+  if (type != "ontimer") return type;
   if (event.delay == 0) return "On timer";
   std::string label = "After " + std::to_string(event.delay / 10);
   if (event.delay % 10 != 0) label += '.' + std::to_string(event.delay % 10);
@@ -48,13 +49,19 @@ const char *UsualActionName(const std::string &type) {
   return nullptr;
 }
 
+const ActionNames &NamesOf(const Action &action) {
+  static const ActionNames kNone;
+  return action.names ? *action.names : kNone;
+}
+
 std::string ActionLabel(const Action &action) {
-  if (!action.label.empty()) return action.label;
+  const auto &[type, name, label] = NamesOf(action);
+  if (!label.empty()) return label;
   if (action.kind == ActionKind::kEvent) return EventLabel(action);
   if (!action.title.empty()) return action.title;
-  if (const char *usual = UsualActionName(action.type)) return usual;
-  if (!action.type.empty() && action.type != "unknown") return action.type;
-  if (!action.name.empty()) return action.name;
+  if (const char *usual = UsualActionName(type)) return usual;
+  if (!type.empty() && type != "unknown") return type;
+  if (!name.empty()) return name;
   if (action.task.kind == TaskKind::kPrevious) return "Back";
   return action.task.target.empty() ? "OK" : action.task.target;
 }

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,10 +32,9 @@ enum class TaskKind : std::uint8_t { kUnset, kGo, kPrevious, kRefresh, kNothing 
 /// What an action does.
 struct Task {
   TaskKind kind = TaskKind::kUnset;
-  std::string target;         ///< of kGo, as the document has it
-  std::string method;         ///< of kGo: "get" or "post", or what the document says
-  std::string encoding;       ///< of kGo: the enctype, empty when not given
-  std::string acceptCharset;  ///< of kGo, empty when not given
+  std::string target;      ///< of kGo, as the document has it
+  std::string method;      ///< of kGo: "get" or "post", or what the document says
+  bool multipart = false;  ///< of kGo: what is posted is sent as multipart/form-data
   std::vector<NameValue> postFields;
   std::vector<NameValue> variables;  ///< assigned before the task is done
 };
@@ -47,15 +47,19 @@ enum class ActionKind : std::uint8_t {
   kPick     ///< choosing an option
 };
 
+struct ActionNames {
+  std::string type;   ///< of kDo ("accept") and kEvent ("ontimer")
+  std::string name;   ///< of kDo: what a card shadows a template's action by
+  std::string label;  ///< for people; of kAnchor, what is shown when it is empty
+};
+
+/// Most are links, which have a target, perhaps a title, and nothing else.
 struct Action {
   ActionKind kind = ActionKind::kLink;
-  std::string type;       ///< of kDo ("accept") and kEvent ("ontimer")
-  std::string name;       ///< of kDo: what a card shadows a template's action by
-  std::string label;      ///< for people; of kLink and kAnchor, what is shown when they are empty
-  std::string title;      ///< empty: none
-  std::string accessKey;  ///< empty: none
-  Task task;
   std::uint32_t delay = 0;  ///< of "ontimer": tenths of a second
+  std::string title;        ///< empty: none
+  Task task;
+  std::unique_ptr<ActionNames> names;  ///< null: none, see NamesOf
 };
 
 struct FieldOption {
@@ -76,7 +80,6 @@ struct Field {
   std::string format;  ///< of an input: the mask of what may be typed, empty: none
   std::string value;   ///< of an input: the default
   std::size_t fieldset = kNoIndex;  ///< index into DeckParts::fieldsets
-  std::string accessKey;            ///< empty: none
   std::uint32_t size = 0;           ///< of an input: columns, 0: not given
   std::uint32_t length = 0;         ///< of an input: the most characters, 0: no limit
   bool emptyAllowed = true;
@@ -122,6 +125,9 @@ struct DeckParts {
   std::string accessDomain;  ///< who may link to the deck, empty: its own domain
   std::string accessPath;
 };
+
+/// The names of an action, empty ones when it has none.
+const ActionNames &NamesOf(const Action &action);
 
 /// The usual name of a `do` type, empty when it has none.
 const char *UsualActionName(const std::string &type);

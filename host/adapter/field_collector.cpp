@@ -39,7 +39,6 @@ std::size_t FieldCollector::AddInput(const Token &token) {
   if (field.type.empty()) field.type = "text";
   field.format = values_.Text(token, "format");
   field.value = values_.Text(token, "value");
-  field.accessKey = values_.Text(token, "accesskey");
   field.size = values_.Number(token, "size");
   field.length = values_.Number(token, "maxlength");
   field.emptyAllowed = values_.Flag(token, "emptyok", field.format.empty());
@@ -53,7 +52,6 @@ void FieldCollector::BeginSelect(const Token &token) {
   if (field.name.empty()) field.name = values_.Text(token, "iname");
   field.title = Collapsed(values_.Text(token, "title"));
   field.multiple = values_.Flag(token, "multiple", false);
-  field.accessKey = values_.Text(token, "accesskey");
   defaultValues_ = values_.Text(token, "value");
   defaultIndexes_ = values_.Text(token, "ivalue");
   groups_.clear();

@@ -204,7 +204,7 @@ TEST(DeckAdapter, TellsTheParts) {
   EXPECT_FALSE(card.ordered);
   ASSERT_EQ(card.actions.size(), 2U);
   const Action &timer = parts.actions[card.actions[0]];
-  EXPECT_EQ(timer.type, "ontimer");
+  EXPECT_EQ(NamesOf(timer).type, "ontimer");
   EXPECT_EQ(timer.delay, 7U);
   EXPECT_EQ(timer.task.target, "#c2");
   const Action &send = parts.actions[card.actions[1]];

@@ -78,15 +78,14 @@ TEST(Parts, ActionsBelongToCardsAndShadowThoseOfTheTemplate) {
 TEST(Parts, TasksHoldTheirFieldsAndVariables) {
   const AdaptedDeck deck = AdaptDeck(
       "<wml><card><postfield name='lost' value='1'/><setvar name='set' value='1'/>"
-      "<do type='a'><go href='x' method='POST' enctype='e' accept-charset='c'>"
+      "<do type='a'><go href='x' method='POST' enctype='multipart/form-data'>"
       "<postfield name='p' value='1'/><setvar name='v' value='2'/></go>"
       "<go href='y'><postfield name='second' value='1'/></go></do>"
       "<postfield name='behind' value='1'/></card></wml>");
   ASSERT_EQ(deck.parts.actions.size(), 1U);
   const Task &task = deck.parts.actions[0].task;
   EXPECT_EQ(task.method, "post");
-  EXPECT_EQ(task.encoding, "e");
-  EXPECT_EQ(task.acceptCharset, "c");
+  EXPECT_TRUE(task.multipart);
   ASSERT_EQ(task.postFields.size(), 1U);
   EXPECT_EQ(task.postFields[0].name, "p");
   ASSERT_EQ(task.variables.size(), 1U);
@@ -99,10 +98,8 @@ TEST(Parts, ActionsAreCalledByWhatTheyHave) {
                         const char *name, const char *target) {
     Action action;
     action.kind = kind;
-    action.label = text;
+    action.names = std::make_unique<ActionNames>(ActionNames{type, name, text});
     action.title = title;
-    action.type = type;
-    action.name = name;
     action.task.target = target;
     return ActionLabel(action);
   };
@@ -114,6 +111,7 @@ TEST(Parts, ActionsAreCalledByWhatTheyHave) {
   EXPECT_EQ(label(kDo, "", "", "unknown", "name", "target"), "name");
   EXPECT_EQ(label(kDo, "", "", "", "", "target"), "target");
   EXPECT_EQ(label(kDo, "", "", "", "", ""), "OK");
+  EXPECT_EQ(ActionLabel({}), "OK") << "no names at all";
   EXPECT_EQ(label(ActionKind::kEvent, "", "title", "own", "name", "target"), "own");
   for (const char *type : {"accept", "prev", "help", "reset", "options", "delete"}) {
     EXPECT_NE(UsualActionName(type), nullptr) << type;
