@@ -63,7 +63,7 @@ struct BareTag {
   uint64_t mask;     // of all these bytes
   uint64_t letters;  // the bit that lowers a letter, in each byte of the name
   uint8_t tagId;     // 0 in a free slot, whose bytes nothing equals
-  uint8_t length;    // bytes with the '>'
+  uint8_t length;    // bytes with the '>', from 1 to 7
 };
 
 // The tags but `meta`, each in the slot that its first two bytes tell.

@@ -454,7 +454,7 @@ constexpr NameIndex<64> TAG_INDEX = [] {
 }();
 constexpr BareTagIndex BARE_TAG_INDEX = [] {
   BareTagIndex index = {};
-  for (BareTag &slot : index.slots) slot.bytes = 1;
+  for (BareTag &slot : index.slots) slot = {1, 0, 0, TAG_NONE, 1};
   for (uint8_t id = TAG_NONE + 1; id < TAG_COUNT; ++id) {
     if (id == TAG_META) continue;
     BareTag tag = {0, 0, 0, id, 0};
