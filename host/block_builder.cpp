@@ -298,7 +298,7 @@ void BlockBuilder::CloseRun() {
   FlushCharacters();
   if (text_.Size() == runStart_) return;
   const std::string_view tail = text_.View().substr(runStart_);
-  if (std::exchange(runUnits_, 0) >= 0x80 && !IsValidUtf8(tail)) {
+  if (std::exchange(runUnits_, 0) >= 0x80 && !IsWellFormed(tail)) {
     const std::string repaired = RepairUtf8(tail);
     text_.Truncate(runStart_);
     text_.Add(repaired);
@@ -310,6 +310,12 @@ void BlockBuilder::CloseRun() {
   run.link = link_;
   runs_.push_back(run);
   runStart_ = text_.Size();
+}
+
+// What the adapter has served is well-formed, and the filter hands every byte on: only where
+// the reading ends early, a character may be cut.
+bool BlockBuilder::IsWellFormed(std::string_view text) const {
+  return deck_.info.adapted ? HasWholeEnds(text) : IsValidUtf8(text);
 }
 
 void BlockBuilder::SetStyle(const TextStyle &style) {

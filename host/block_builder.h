@@ -59,6 +59,7 @@ class BlockBuilder {
   void FlushCharacters();
 
   void CloseRun();
+  bool IsWellFormed(std::string_view text) const;
   void SetStyle(const TextStyle &style);
   void StartContent();
   Content CurrentContent() const;

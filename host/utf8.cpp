@@ -228,6 +228,14 @@ bool IsValidUtf8(std::string_view text) {
   return state == kBoundary;
 }
 
+bool HasWholeEnds(std::string_view text) {
+  if (text.empty()) return true;
+  if (!StartsCharacter(text.front())) return false;
+  std::size_t last = text.size() - 1;
+  while (!StartsCharacter(text[last])) --last;
+  return Decode(text, last) != kIllFormed;
+}
+
 std::string RepairUtf8(std::string_view text) {
   std::string repaired;
   repaired.reserve(text.size());

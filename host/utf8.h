@@ -22,6 +22,9 @@ std::size_t AsciiPrefix(std::string_view text);
 
 bool IsValidUtf8(std::string_view text);
 
+/// Whether no character is cut at the start or the end of a part of well-formed text.
+bool HasWholeEnds(std::string_view text);
+
 /// The text with every ill-formed sequence replaced by U+FFFD.
 std::string RepairUtf8(std::string_view text);
 

@@ -48,6 +48,16 @@ TEST(Utf8, ValidIsWhatHasNothingIllFormed) {
   }
 }
 
+TEST(Utf8, PartsOfATextHaveWholeEndsOrNot) {
+  const std::string text = "aé日😀é";
+  for (std::size_t begin = 0; begin <= text.size(); ++begin) {
+    for (std::size_t end = begin; end <= text.size(); ++end) {
+      const std::string part = text.substr(begin, end - begin);
+      EXPECT_EQ(HasWholeEnds(part), IsValidUtf8(part)) << begin << ' ' << end;
+    }
+  }
+}
+
 TEST(Utf8, TheAsciiPrefixEndsWhereItEnds) {
   for (std::size_t length = 0; length <= 20; ++length) {
     std::string text(length, 'a');
