@@ -58,15 +58,30 @@ std::size_t FirstIn(Vector vector) {
 }
 
 // LengthBefore for a text no shorter than the vector, the last of which may overlap the one
-// before.
-template <typename Vector, typename IsSpecial>
-std::size_t LengthInVectors(std::string_view text, IsSpecial isSpecial) {
+// before. `visit` takes the position of each vector and the vector.
+template <typename Vector, typename IsSpecial, typename Visit>
+std::size_t LengthInVectors(std::string_view text, IsSpecial isSpecial, Visit visit) {
   const std::size_t last = text.size() - sizeof(Vector);
   for (std::size_t at = 0;; at = std::min(at + sizeof(Vector), last)) {
-    const std::size_t first = FirstIn(isSpecial(Load<Vector>(text.data() + at)));
+    const auto bytes = Load<Vector>(text.data() + at);
+    visit(at, bytes);
+    const std::size_t first = FirstIn(isSpecial(bytes));
     if (first != sizeof(Vector)) return at + first;
     if (at == last) return text.size();
   }
+}
+
+template <typename IsSpecial, typename Visit>
+std::size_t VisitBefore(std::string_view text, IsSpecial isSpecial, Visit visit) {
+  if (text.size() >= sizeof(Sixteen)) return LengthInVectors<Sixteen>(text, isSpecial, visit);
+  if (text.size() >= sizeof(Eight)) return LengthInVectors<Eight>(text, isSpecial, visit);
+  std::size_t at = 0;
+  for (; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (isSpecial(byte)) break;
+    visit(at, byte);
+  }
+  return at;
 }
 
 }  // namespace byte_scan
@@ -75,12 +90,16 @@ std::size_t LengthInVectors(std::string_view text, IsSpecial isSpecial) {
 /// char, or a vector of them, and says with operators that both have.
 template <typename IsSpecial>
 std::size_t LengthBefore(std::string_view text, IsSpecial isSpecial) {
-  using namespace byte_scan;
-  if (text.size() >= sizeof(Sixteen)) return LengthInVectors<Sixteen>(text, isSpecial);
-  if (text.size() >= sizeof(Eight)) return LengthInVectors<Eight>(text, isSpecial);
-  std::size_t at = 0;
-  while (at < text.size() && !isSpecial(static_cast<unsigned char>(text[at]))) ++at;
-  return at;
+  return byte_scan::VisitBefore(text, isSpecial, [](std::size_t, auto) {});
+}
+
+/// As LengthBefore, and copies the text so far to `out`, of which as many bytes as the
+/// whole text has may be overwritten.
+template <typename IsSpecial>
+std::size_t CopyBefore(std::string_view text, char *out, IsSpecial isSpecial) {
+  return byte_scan::VisitBefore(text, isSpecial, [out](std::size_t at, auto bytes) {
+    std::memcpy(out + at, &bytes, sizeof bytes);
+  });
 }
 
 }  // namespace vs_wml

@@ -28,7 +28,7 @@ class CopyingWriter : public rapidjson::Writer<rapidjson::StringBuffer> {
   using Writer::Writer;
 
   // A key or a string of which it is known that it has no escapes.
-  void Literal(std::string_view text) {
+  [[gnu::always_inline]] void Literal(std::string_view text) {
     Prefix(rapidjson::kStringType);
     char *out = os_->Push(text.size() + 2);
     *out++ = '"';
@@ -39,10 +39,11 @@ class CopyingWriter : public rapidjson::Writer<rapidjson::StringBuffer> {
     Prefix(rapidjson::kStringType);
     os_->Put('"');
     while (true) {
-      const std::size_t plain = LengthBefore(
-          text, [](auto byte) { return (byte < 0x20) | (byte == '"') | (byte == '\\'); });
-      std::copy_n(text.data(), plain, os_->Push(plain));
+      char *const out = os_->Push(text.size());
+      const std::size_t plain = CopyBefore(
+          text, out, [](auto byte) { return (byte < 0x20) | (byte == '"') | (byte == '\\'); });
       if (plain == text.size()) break;
+      os_->Pop(text.size() - plain);
       Escape(text[plain]);
       text.remove_prefix(plain + 1);
     }
@@ -163,12 +164,13 @@ class JsonWriter : public BlockSink {
   }
 
  private:
-  void Key(std::string_view key) { writer_.Literal(key); }
-  void Member(std::string_view key, std::string_view text) {
+  // Inlined, so that the lengths of keys are constants.
+  [[gnu::always_inline]] void Key(std::string_view key) { writer_.Literal(key); }
+  [[gnu::always_inline]] void Member(std::string_view key, std::string_view text) {
     Key(key);
     writer_.String(text);
   }
-  void Flag(std::string_view key, bool value) {
+  [[gnu::always_inline]] void Flag(std::string_view key, bool value) {
     Key(key);
     writer_.Bool(value);
   }

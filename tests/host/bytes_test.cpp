@@ -31,8 +31,14 @@ TEST(Bytes, APlainTextEndsAtTheFirstSpecialByte) {
       for (const char byte : kBytes) {
         std::string text = std::string(length, 'x') + '<';
         text[at] = byte;
-        ASSERT_EQ(PlainLength(text), isPlain(byte) ? length : at)
+        const std::size_t expected = isPlain(byte) ? length : at;
+        ASSERT_EQ(PlainLength(text), expected)
             << length << ' ' << at << ' ' << static_cast<int>(byte);
+        std::string copy(text.size(), '.');
+        const auto isAngle = [](auto c) { return (c == '<') | (c == '>'); };
+        const std::size_t copied = CopyBefore(text, copy.data(), isAngle);
+        ASSERT_EQ(copied, text.find_first_of("<>"));
+        ASSERT_EQ(copy.substr(0, copied), text.substr(0, copied));
       }
     }
     EXPECT_EQ(PlainLength(std::string(length, 'x')), length);
