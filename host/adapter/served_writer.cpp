@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::string_view kScheme = "unwml:";
 constexpr std::string_view kKinds = "afp";
+constexpr std::string_view kCellEnd = "</td>";
 
 // A tag with what is behind it in memory, see TextBuffer::AddFrom.
 using Tag = std::array<char, 32>;
@@ -298,7 +299,10 @@ void ServedWriter::OpenRow() {
 void ServedWriter::OpenCell() {
   CloseCell();
   if (!IsOpen(Element::kRow)) OpenRow();
-  BeforeWhiteSpace([this] { served_.Add("<td>"); });
+  BeforeWhiteSpace([this] {
+    LeaveOutCellEnd();
+    served_.Add("<td>");
+  });
   Push(Element::kCell);
 }
 
@@ -342,6 +346,13 @@ void ServedWriter::BeforeContent() {
   Push(Element::kLink);
 }
 
+// Takes the end of a cell back, if nothing was written behind it.
+void ServedWriter::LeaveOutCellEnd() {
+  if (served_.Size() != cellEnd_) return;
+  served_.Truncate(cellEnd_ - kCellEnd.size());
+  cellEnd_ = 0;
+}
+
 void ServedWriter::WriteLinkStart(const ServedReference &reference) {
   served_.Add("<a href=\"");
   AddTarget(served_, reference);
@@ -360,10 +371,12 @@ void ServedWriter::WriteEnd(const Open &open) {
       served_.Add("</table>");
       break;
     case Element::kRow:
+      LeaveOutCellEnd();
       served_.Add("</tr>");
       break;
     case Element::kCell:
-      served_.Add("</td>");
+      served_.Add(kCellEnd);
+      cellEnd_ = served_.Size();
       break;
     case Element::kCard:
       served_.Add("</card>");

@@ -43,8 +43,9 @@ enum class Style : std::uint8_t { kB, kBig, kEm, kI, kPre, kSmall, kStrong, kU }
 inline constexpr std::size_t kStyleCount = 8;
 
 /// Writes markup in which every element is closed, none is nested in one of its own
-/// kind, and no text can be taken for markup. White space is kept as it comes, but put
-/// outside of links, and left out at the end of a card.
+/// kind, and no text can be taken for markup. A cell that another one follows at once, or
+/// the end of its row, has no end tag: the filter ends it there, and reads tables faster. White
+/// space is kept as it comes, but put outside of links, and left out at the end of a card.
 class ServedWriter {
  public:
   /// `size` is about what will be served.
@@ -116,6 +117,7 @@ class ServedWriter {
   std::string_view BeginText(std::string_view text);
   void WriteLinkStart(const ServedReference &reference);
   void WriteEnd(const Open &open);
+  void LeaveOutCellEnd();
   bool CloseInline(Element element, Style style);
   void CloseAndReopen(std::size_t first);
   template <typename Write>
@@ -126,6 +128,7 @@ class ServedWriter {
 
   TextBuffer served_;
   std::size_t whiteSpace_ = 0;  // at the end of served_, as long as tags may go before it
+  std::size_t cellEnd_ = 0;     // behind the last end of a cell
   std::vector<Open> open_;
   std::array<std::uint32_t, kElementCount> openCount_{};  // of each kind in open_
   std::array<std::uint32_t, kStyleCount> styleDepth_{};   // elements of a style that are open

@@ -123,21 +123,26 @@ INSTANTIATE_TEST_SUITE_P(Forms, Content, testing::ValuesIn(kForms));
 
 constexpr ContentCase kTables[] = {
     {"<table><tr><td>a</td><td>b</td></tr><tr><td>c</td></tr></table>",
-     "<table columns=\"2\"><tr><td>a</td><td>b</td></tr><tr><td>c</td></tr></table>"},
+     "<table columns=\"2\"><tr><td>a<td>b</tr><tr><td>c</tr></table>"},
     {"<TABLE COLUMNS='1'><TR><TD>a</TABLE><table columns='65'><tr><td>b<td>c</table>",
-     "<table columns=\"1\"><tr><td>a</td></tr></table>"
-     "<table columns=\"2\"><tr><td>b</td><td>c</td></tr></table>"},
+     "<table columns=\"1\"><tr><td>a</tr></table>"
+     "<table columns=\"2\"><tr><td>b<td>c</tr></table>"},
     {"<table columns='1' align='C' title='\"T\"'><td>a<td>b<tr><th>c</table>d",
-     "<table columns=\"1\" align=\"C\" title=\"&quot;T&quot;\"><tr><td>a</td><td>b</td></tr><tr>"
-     "<td>c</td></tr></table>d"},
+     "<table columns=\"1\" align=\"C\" title=\"&quot;T&quot;\"><tr><td>a<td>b</tr><tr>"
+     "<td>c</tr></table>d"},
     {"<table><tr><td>a<table><tr><td>b</table>c</td></tr></table>",
-     "<table columns=\"1\"><tr><td>a<br/><br/> bc</td></tr></table>"},
+     "<table columns=\"1\"><tr><td>a<br/><br/> bc</tr></table>"},
     {"<table columns='1'><input name='i'/><tr><td><b>x</td><td>y</b></table>",
-     "<table columns=\"1\"><tr><td><b>x</b></td><td>y</td></tr></table>"
+     "<table columns=\"1\"><tr><td><b>x</b><td>y</tr></table>"
      "<a href=\"unwml:f:0\">[i: ____]</a>"},
     {"<a href='l'>a<table columns='1'><tr><td>b</a></td></tr></table>c",
-     "<a href=\"unwml:a:0\">a</a><table columns=\"1\"><tr><td><a href=\"unwml:a:0\">b</a></td>"
+     "<a href=\"unwml:a:0\">a</a><table columns=\"1\"><tr><td><a href=\"unwml:a:0\">b</a>"
      "</tr></table>c"},
+    // Cells have an end tag where something else than another cell follows them.
+    {"<table columns='2'><tr><td>a</td>x<td></td> <td>b</td> </tr><tr><td>c</td></tr> <tr>y"
+     "<td>d</td></tr></table>",
+     "<table columns=\"2\"><tr><td>a</td>x<td><td> b</td> </tr><tr><td>c</tr><tr> y<td>d</tr>"
+     "</table>"},
 };
 INSTANTIATE_TEST_SUITE_P(Tables, Content, testing::ValuesIn(kTables));
 
