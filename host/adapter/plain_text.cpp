@@ -11,7 +11,7 @@ std::size_t PlainLength(std::string_view text) {
     const auto tabOrReturn = (byte | ('\t' ^ '\r')) == '\r';
     const auto angle = (byte | ('<' ^ '>')) == '>';
     const auto dollarOrAmpersand = (byte | ('$' ^ '&')) == '&';
-    const auto control = (byte < 0x20) & ~(tabOrReturn | (byte == '\n'));
+    const auto control = (byte < 0x20) ^ (tabOrReturn | (byte == '\n'));
     return control | angle | dollarOrAmpersand | (byte == 0x7F) | (byte == 0xC2);
   });
 }
