@@ -519,7 +519,9 @@ void DeckAdapter::BeginTable(const Token &token) {
     return;
   }
   std::size_t columns = values_.Number(token, "columns");
-  if (columns == 0 || columns > kMostColumns) columns = survey_.TableColumns(table_);
+  if (columns == 0 || columns > kMostColumns) {
+    columns = std::max<std::size_t>(survey_.TableColumns(table_), 1);
+  }
   ++table_;
   writer_.OpenTable(columns, ValueReader::Word(token, "align") +
                                  ServedAttribute("title", values_.Text(token, "title")));

@@ -17,6 +17,8 @@ namespace {
 constexpr std::string_view kScheme = "unwml:";
 constexpr std::string_view kKinds = "afp";
 constexpr std::string_view kCellEnd = "</td>";
+constexpr std::string_view kRowEnd = "</tr>";
+static_assert(kCellEnd.size() == kRowEnd.size());
 
 // A tag with what is behind it in memory, see TextBuffer::AddFrom.
 using Tag = std::array<char, 32>;
@@ -172,6 +174,7 @@ std::string_view ServedWriter::BeginText(std::string_view text) {
     whiteSpace_ += text.size();
     return text;
   }
+  if (OutsideCells()) EnsureCell();
   const std::size_t blanks = text.size() - length;
   if (paragraphEnded_ || link_ != kNoIndex) {
     const std::size_t first = SkipWhiteSpace(text, 0);
@@ -288,19 +291,26 @@ void ServedWriter::OpenTable(std::size_t columns, std::string_view attributes) {
   served_.Add(attributes);
   served_.Add('>');
   Push(Element::kTable);
+  columns_ = columns;
 }
 
 void ServedWriter::OpenRow() {
   CloseRow();
-  BeforeWhiteSpace([this] { served_.Add("<tr>"); });
+  BeforeWhiteSpace([this] {
+    LeaveOutPartEnd();
+    served_.Add("<tr>");
+  });
   Push(Element::kRow);
+  rowCells_ = 0;
 }
 
 void ServedWriter::OpenCell() {
   CloseCell();
   if (!IsOpen(Element::kRow)) OpenRow();
+  if (rowCells_ == columns_ && ResumeCell()) return;
+  ++rowCells_;
   BeforeWhiteSpace([this] {
-    LeaveOutCellEnd();
+    LeaveOutPartEnd();
     served_.Add("<td>");
   });
   Push(Element::kCell);
@@ -337,6 +347,7 @@ void ServedWriter::StartParagraph() {
 }
 
 void ServedWriter::BeforeContent() {
+  if (OutsideCells()) EnsureCell();
   StartParagraph();
   whiteSpace_ = 0;
   if (link_ == kNoIndex) return;
@@ -346,11 +357,31 @@ void ServedWriter::BeforeContent() {
   Push(Element::kLink);
 }
 
-// Takes the end of a cell back, if nothing was written behind it.
-void ServedWriter::LeaveOutCellEnd() {
-  if (served_.Size() != cellEnd_) return;
-  served_.Truncate(cellEnd_ - kCellEnd.size());
-  cellEnd_ = 0;
+// Content outside of the cells of a table would not be shown.
+void ServedWriter::EnsureCell() {
+  if (!IsOpen(Element::kRow) || !ResumeCell()) OpenCell();
+}
+
+// Goes on in the row's last cell, if nothing else was written behind it.
+bool ServedWriter::ResumeCell() {
+  if (rowCells_ == 0 || served_.Size() - whiteSpace_ != partEnd_) return false;
+  BeforeWhiteSpace([this] { LeaveOutPartEnd(); });
+  if (whiteSpace_ == 0) served_.Add(' ');
+  Push(Element::kCell);
+  return true;
+}
+
+// Takes the end of a cell or a row back, if nothing was written behind it.
+void ServedWriter::LeaveOutPartEnd() {
+  if (served_.Size() != partEnd_) return;
+  served_.Truncate(partEnd_ - kCellEnd.size());
+  partEnd_ = 0;
+}
+
+void ServedWriter::AddPartEnd(std::string_view tag) {
+  LeaveOutPartEnd();
+  served_.Add(tag);
+  partEnd_ = served_.Size();
 }
 
 void ServedWriter::WriteLinkStart(const ServedReference &reference) {
@@ -368,15 +399,14 @@ void ServedWriter::WriteEnd(const Open &open) {
       served_.Add("</a>");
       break;
     case Element::kTable:
+      LeaveOutPartEnd();
       served_.Add("</table>");
       break;
     case Element::kRow:
-      LeaveOutCellEnd();
-      served_.Add("</tr>");
+      AddPartEnd(kRowEnd);
       break;
     case Element::kCell:
-      served_.Add(kCellEnd);
-      cellEnd_ = served_.Size();
+      AddPartEnd(kCellEnd);
       break;
     case Element::kCard:
       served_.Add("</card>");

@@ -43,9 +43,10 @@ enum class Style : std::uint8_t { kB, kBig, kEm, kI, kPre, kSmall, kStrong, kU }
 inline constexpr std::size_t kStyleCount = 8;
 
 /// Writes markup in which every element is closed, none is nested in one of its own
-/// kind, and no text can be taken for markup. A cell that another one follows at once, or
-/// the end of its row, has no end tag: the filter ends it there, and reads tables faster. White
-/// space is kept as it comes, but put outside of links, and left out at the end of a card.
+/// kind, and no text can be taken for markup. A cell or a row that another one follows at
+/// once, or the end of what it is in, has no end tag: the filter ends it there, and reads
+/// tables faster. White space is kept as it comes, but put outside of links, and left out at
+/// the end of a card.
 class ServedWriter {
  public:
   /// `size` is about what will be served.
@@ -92,6 +93,9 @@ class ServedWriter {
   /// behind the table.
   void Marker(const ServedReference &reference, std::string_view text);
 
+  /// A table of at least one column. Cells that a row has more go on in its last one, behind a
+  /// blank, as WML wants it (WAP-191, 11.8.1); so does content behind a cell. Other content
+  /// that stands in the table but in no cell has a cell of its own.
   void OpenTable(std::size_t columns, std::string_view attributes);
   void OpenRow();
   void OpenCell();
@@ -117,7 +121,11 @@ class ServedWriter {
   std::string_view BeginText(std::string_view text);
   void WriteLinkStart(const ServedReference &reference);
   void WriteEnd(const Open &open);
-  void LeaveOutCellEnd();
+  bool OutsideCells() const { return InTable() != InCell(); }
+  [[gnu::noinline]] void EnsureCell();
+  bool ResumeCell();
+  void LeaveOutPartEnd();
+  void AddPartEnd(std::string_view tag);
   bool CloseInline(Element element, Style style);
   void CloseAndReopen(std::size_t first);
   template <typename Write>
@@ -128,7 +136,9 @@ class ServedWriter {
 
   TextBuffer served_;
   std::size_t whiteSpace_ = 0;  // at the end of served_, as long as tags may go before it
-  std::size_t cellEnd_ = 0;     // behind the last end of a cell
+  std::size_t partEnd_ = 0;     // behind the last end of a cell or a row
+  std::size_t columns_ = 0;     // of the table
+  std::size_t rowCells_ = 0;    // in the row so far
   std::vector<Open> open_;
   std::array<std::uint32_t, kElementCount> openCount_{};  // of each kind in open_
   std::array<std::uint32_t, kStyleCount> styleDepth_{};   // elements of a style that are open

@@ -123,26 +123,37 @@ INSTANTIATE_TEST_SUITE_P(Forms, Content, testing::ValuesIn(kForms));
 
 constexpr ContentCase kTables[] = {
     {"<table><tr><td>a</td><td>b</td></tr><tr><td>c</td></tr></table>",
-     "<table columns=\"2\"><tr><td>a<td>b</tr><tr><td>c</tr></table>"},
+     "<table columns=\"2\"><tr><td>a<td>b<tr><td>c</table>"},
     {"<TABLE COLUMNS='1'><TR><TD>a</TABLE><table columns='65'><tr><td>b<td>c</table>",
-     "<table columns=\"1\"><tr><td>a</tr></table>"
-     "<table columns=\"2\"><tr><td>b<td>c</tr></table>"},
-    {"<table columns='1' align='C' title='\"T\"'><td>a<td>b<tr><th>c</table>d",
-     "<table columns=\"1\" align=\"C\" title=\"&quot;T&quot;\"><tr><td>a<td>b</tr><tr>"
-     "<td>c</tr></table>d"},
+     "<table columns=\"1\"><tr><td>a</table><table columns=\"2\"><tr><td>b<td>c</table>"},
     {"<table><tr><td>a<table><tr><td>b</table>c</td></tr></table>",
-     "<table columns=\"1\"><tr><td>a<br/><br/> bc</tr></table>"},
-    {"<table columns='1'><input name='i'/><tr><td><b>x</td><td>y</b></table>",
-     "<table columns=\"1\"><tr><td><b>x</b><td>y</tr></table>"
+     "<table columns=\"1\"><tr><td>a<br/><br/> bc</table>"},
+    {"<table columns='2'><input name='i'/><tr><td><b>x</td><td>y</b></table>",
+     "<table columns=\"2\"><tr><td><b>x</b><td>y</table>"
      "<a href=\"unwml:f:0\">[i: ____]</a>"},
     {"<a href='l'>a<table columns='1'><tr><td>b</a></td></tr></table>c",
      "<a href=\"unwml:a:0\">a</a><table columns=\"1\"><tr><td><a href=\"unwml:a:0\">b</a>"
-     "</tr></table>c"},
+     "</table>c"},
+    // White space goes into the next part.
+    {"<table columns='2'> <tr> <td>a</td> <td>b</td> </tr> <tr><td>c</td></tr> </table>",
+     "<table columns=\"2\"><tr><td>  a<td> b</td> <tr><td> c</tr> </table>"},
     // Cells have an end tag where something else than another cell follows them.
-    {"<table columns='2'><tr><td>a</td>x<td></td> <td>b</td> </tr><tr><td>c</td></tr> <tr>y"
-     "<td>d</td></tr></table>",
-     "<table columns=\"2\"><tr><td>a</td>x<td><td> b</td> </tr><tr><td>c</tr><tr> y<td>d</tr>"
-     "</table>"},
+    {"<table columns='2'><tr><td>a</td><br/><td>b</td></tr><p>",
+     "<table columns=\"2\"><tr><td>a</td><br/><td>b</tr><p></table>"},
+    // More cells than columns.
+    {"<table columns='1' align='C' title='\"T\"'><td>a<td>b<tr><th>c</table>d",
+     "<table columns=\"1\" align=\"C\" title=\"&quot;T&quot;\"><tr><td>a b<tr><td>c</table>d"},
+    {"<table columns='2'><tr><td/><td><u>b</td> <td>c</u></td><td/><td>e</td></tr></table>",
+     "<table columns=\"2\"><tr><td><td><u>b</u> c  e</table>"},
+    {"<table columns='1'><tr><td>a</td><br/><td>b</td></table>",
+     "<table columns=\"1\"><tr><td>a</td><br/><td>b</table>"},
+    // Content outside of cells.
+    {"<table>a</table>", "<table columns=\"1\"><tr><td>a</table>"},
+    {"<table columns='2'>a<tr>b<td>c</td>d<td>e</td> f</tr> g<tr><td>h</td></tr>i</table>",
+     "<table columns=\"2\"><tr><td>a<tr><td>b<td>c d e  f<tr><td> g<tr><td>h<tr><td>i</table>"},
+    {"<table columns='1'><a href='l'>a</a><tr>&#66;</tr><tr>&bogus;</tr><img alt='c'/></table>",
+     "<table columns=\"1\"><tr><td><a href=\"unwml:a:0\">a</a><tr><td>B<tr><td>&bogus;"
+     "<tr><td><img src=\"unwml:p:0\"/></table>"},
 };
 INSTANTIATE_TEST_SUITE_P(Tables, Content, testing::ValuesIn(kTables));
 
