@@ -104,8 +104,10 @@ std::size_t WithoutBlanks(std::string_view text, std::size_t begin, std::size_t 
 // Measures parts of a text without line feeds.
 class Measure {
  public:
-  explicit Measure(std::string_view text)
-      : text_(text), ascii_(AsciiPrefix(text)), narrow_(ascii_ == text.size() || IsNarrow(text)) {}
+  Measure(std::string_view text, TextKind kind)
+      : text_(text),
+        ascii_(kind == TextKind::kPlain ? text.size() : AsciiPrefix(text)),
+        narrow_(ascii_ == text.size() || IsNarrow(text)) {}
 
   bool Narrow() const { return narrow_; }
 
@@ -119,6 +121,7 @@ class Measure {
   std::size_t Fit(std::size_t begin, std::size_t width) const {
     std::size_t columns = std::min(width, ascii_ - std::min(ascii_, begin));
     std::size_t offset = begin + columns;
+    if (ascii_ == text_.size()) return offset;
     if (narrow_) return SkipCharacters(text_, offset, width - columns);
     while (offset < text_.size()) {
       if (columns < width && static_cast<unsigned char>(text_[offset]) < 0x80) {
@@ -174,10 +177,10 @@ std::size_t WidestAsciiWord(std::string_view text) {
 }
 
 // Appends the lines of a text without line feeds, which begins at `offset` of another.
-void BreakPlainLines(std::string_view text, std::size_t offset, std::size_t width,
-                     LongWords longWords, std::vector<Line> &lines) {
+void BreakLine(std::string_view text, std::size_t offset, std::size_t width, LongWords longWords,
+               TextKind kind, std::vector<Line> &lines) {
   text = text.substr(0, WithoutBlanks(text, 0, text.size()));
-  const Measure measure(text);
+  const Measure measure(text, kind);
   const auto add = [&](std::size_t begin, std::size_t end) {
     lines.push_back({offset + begin, offset + end, measure.Columns(begin, end)});
   };
@@ -209,23 +212,24 @@ void BreakPlainLines(std::string_view text, std::size_t offset, std::size_t widt
 }  // namespace
 
 void BreakLines(std::string_view text, std::size_t begin, std::size_t end, std::size_t width,
-                LongWords longWords, std::vector<Line> &lines) {
+                LongWords longWords, std::vector<Line> &lines, TextKind kind) {
+  width = std::max<std::size_t>(width, 1);
   while (true) {
-    const std::size_t feed = std::min(text.substr(0, end).find('\n', begin), end);
-    BreakPlainLines(text.substr(begin, feed - begin), begin, std::max<std::size_t>(width, 1),
-                    longWords, lines);
+    const std::size_t feed =
+        kind == TextKind::kPlain ? end : std::min(text.substr(0, end).find('\n', begin), end);
+    BreakLine(text.substr(begin, feed - begin), begin, width, longWords, kind, lines);
     if (feed == end) return;
     begin = feed + 1;
   }
 }
 
-std::size_t WidestWord(std::string_view text) {
-  if (AsciiPrefix(text) == text.size()) return WidestAsciiWord(text);
+std::size_t WidestWord(std::string_view text, TextKind kind) {
+  if (kind == TextKind::kPlain || AsciiPrefix(text) == text.size()) return WidestAsciiWord(text);
   std::size_t widest = 0;
   for (std::size_t begin = 0; begin <= text.size();) {
     const std::size_t feed = std::min(text.find('\n', begin), text.size());
     const std::string_view line = text.substr(begin, feed - begin);
-    const Measure measure(line);
+    const Measure measure(line, kind);
     BreakFinder finder(line, measure.Narrow());
     for (std::size_t word = 0; word < line.size();) {
       const std::size_t next = finder.Next(word);

@@ -23,14 +23,20 @@ enum class LongWords {
   kBreak  ///< it goes on in the next line
 };
 
+/// What is known of a text.
+enum class TextKind {
+  kAny,
+  kPlain  ///< ASCII without line feeds: a column a byte
+};
+
 /// Breaks `text[begin, end)` into lines of at most `width` columns, between words and,
 /// in East Asian text, between characters. Line feeds end lines; blanks at the ends of
 /// lines are left out. Appends to `lines`; an empty text is one empty line.
 void BreakLines(std::string_view text, std::size_t begin, std::size_t end, std::size_t width,
-                LongWords longWords, std::vector<Line> &lines);
+                LongWords longWords, std::vector<Line> &lines, TextKind kind = TextKind::kAny);
 
 /// Columns of the widest word, the narrowest that lines can be without breaking one.
-std::size_t WidestWord(std::string_view text);
+std::size_t WidestWord(std::string_view text, TextKind kind = TextKind::kAny);
 
 }  // namespace vs_wml
 

@@ -159,9 +159,12 @@ class TextWriter : public BlockSink {
     std::size_t end;
     std::size_t columns;  // of its widest line
   };
-  struct CellLines {
-    std::size_t first;  // of lines_
-    std::size_t count;
+  // A cell of the row that is written.
+  struct RowCell {
+    std::size_t line;  // the next of lines_
+    std::size_t end;   // behind the last of its lines_
+    std::size_t width;
+    Alignment alignment;
   };
 
   static std::size_t Indent(Alignment alignment, std::size_t width, std::size_t columns) {
@@ -322,6 +325,7 @@ class TextWriter : public BlockSink {
   std::vector<std::size_t> ColumnsOf(const Table &table) const;
   void BreakCell(const CellText &cell, std::size_t width);
   void WriteRow(const Table &table, const Row &row, const std::vector<std::size_t> &columns);
+  void WriteRowLine();
 
   Output &out_;
   std::size_t width_;
@@ -339,8 +343,8 @@ class TextWriter : public BlockSink {
   FlatText flat_;
   std::vector<Line> lines_;
   std::vector<CellText> cells_;
-  bool plainCells_ = false;  ///< of ASCII without line breaks: a column a character
-  std::vector<CellLines> cellLines_;
+  TextKind cellKind_ = TextKind::kAny;
+  std::vector<RowCell> rowCells_;
 };
 
 void TextWriter::TakeTable(const Table &table) {
@@ -358,8 +362,9 @@ void TextWriter::FlattenCells(const Table &table) {
     cells_.push_back({begin, end, end - begin});
   }
   const std::string_view text = flat_.text;
-  plainCells_ = AsciiPrefix(text) == text.size() && text.find('\n') == std::string_view::npos;
-  if (plainCells_) return;
+  const bool plain = AsciiPrefix(text) == text.size() && text.find('\n') == text.npos;
+  cellKind_ = plain ? TextKind::kPlain : TextKind::kAny;
+  if (plain) return;
   for (CellText &cell : cells_) {
     cell.columns = WidestLine(text.substr(cell.begin, cell.end - cell.begin));
   }
@@ -393,8 +398,9 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
     for (std::size_t column = 0; column < row.cellCount; ++column) {
       const CellText &cell = cells_[row.firstCell + column];
       if (least[column] >= std::min(fair, cell.columns)) continue;
-      least[column] =
-          std::max(least[column], WidestWord(text.substr(cell.begin, cell.end - cell.begin)));
+      const std::size_t widest =
+          WidestWord(text.substr(cell.begin, cell.end - cell.begin), cellKind_);
+      least[column] = std::max(least[column], widest);
     }
   }
   std::size_t used = 0;
@@ -414,45 +420,46 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
 
 // Appends the lines of a cell to lines_.
 void TextWriter::BreakCell(const CellText &cell, std::size_t width) {
-  const std::size_t first = lines_.size();
   const bool fits = cell.columns != 0 && cell.columns <= width;
-  if (plainCells_ && fits && flat_.text[cell.end - 1] != ' ') {
+  if (cellKind_ == TextKind::kPlain && fits && flat_.text[cell.end - 1] != ' ') {
     lines_.push_back({cell.begin, cell.end, cell.columns});
   } else {
-    BreakLines(flat_.text, cell.begin, cell.end, width, LongWords::kBreak, lines_);
+    BreakLines(flat_.text, cell.begin, cell.end, width, LongWords::kBreak, lines_, cellKind_);
   }
-  cellLines_.push_back({first, lines_.size() - first});
 }
 
 void TextWriter::WriteRow(const Table &table, const Row &row,
                           const std::vector<std::size_t> &columns) {
   lines_.clear();
-  cellLines_.clear();
+  rowCells_.clear();
   std::size_t height = 0;
   for (std::size_t column = 0; column < row.cellCount; ++column) {
-    BreakCell(cells_[row.firstCell + column], columns[column]);
-    height = std::max(height, cellLines_.back().count);
+    const std::size_t cell = row.firstCell + column;
+    const std::size_t first = lines_.size();
+    BreakCell(cells_[cell], columns[column]);
+    height = std::max(height, lines_.size() - first);
+    rowCells_.push_back({first, lines_.size(), columns[column], table.cells[cell].alignment});
   }
   FlushBlank();
   written_ = true;
-  for (std::size_t level = 0; level < height; ++level) {
-    std::size_t behind = 0;  // blanks not yet written: none stand at the end of a line
-    for (std::size_t column = 0; column < row.cellCount; ++column) {
-      if (column != 0) behind += kColumnGap;
-      const CellLines &cell = cellLines_[column];
-      const Line line = level < cell.count ? lines_[cell.first + level] : Line{};
-      if (line.begin == line.end) {
-        behind += columns[column];
-        continue;
-      }
-      const Alignment alignment = table.cells[row.firstCell + column].alignment;
-      const std::size_t indent = Indent(alignment, columns[column], line.columns);
-      out_.Pad(behind + indent);
-      WriteStyled(line);
-      behind = columns[column] - std::min(columns[column], indent + line.columns);
+  for (; height != 0; --height) WriteRowLine();
+}
+
+// Writes the next line of each cell of the row beside each other.
+void TextWriter::WriteRowLine() {
+  std::size_t behind = 0;  // blanks not yet written: none stand at the end of a line
+  for (RowCell &cell : rowCells_) {
+    const Line line = cell.line != cell.end ? lines_[cell.line++] : Line{};
+    if (line.begin == line.end) {
+      behind += cell.width + kColumnGap;
+      continue;
     }
-    out_ << '\n';
+    const std::size_t indent = Indent(cell.alignment, cell.width, line.columns);
+    out_.Pad(behind + indent);
+    WriteStyled(line);
+    behind = cell.width - std::min(cell.width, indent + line.columns) + kColumnGap;
   }
+  out_ << '\n';
 }
 
 }  // namespace
