@@ -81,9 +81,7 @@ struct BlockBuilder::Routines_ {
     BlockBuilder &builder = Of(user);
     // Nearly every call ends here; the rest stays out of line to keep it short. ASCII and
     // other bytes take the same way: which of them comes next is hard to predict.
-    if (unit - 0x20 < builder.storedUnits_ && unit != 0x7F &&
-        builder.text_.TryAdd(static_cast<char>(unit))) {
-      builder.runUnits_ |= unit;
+    if (unit - 0x20 < builder.storedUnits_ && builder.text_.TryAdd(static_cast<char>(unit))) {
       return 0;
     }
     builder.EmitOther(unit);
@@ -235,10 +233,14 @@ void BlockBuilder::AppendCharacter(char32_t character) {
   }
 }
 
-// Units that need more than a store: control characters and UTF-16 from a reference.
+// Whether units beyond ASCII are bytes of UTF-8. Those from a reference are UTF-16.
+bool BlockBuilder::TakesBytes() const {
+  return deck_.servedAsUtf8 && charset_ != HOST_CS_UNICODE;
+}
+
+// Units that need more than a store: control characters and UTF-16.
 void BlockBuilder::EmitOther(std::uint32_t unit) {
-  if (unit >= 0x80 && storedUnits_ == kServedBytes) {
-    runUnits_ |= unit;
+  if (unit >= 0x80 && TakesBytes()) {
     text_.Add(static_cast<char>(unit));
   } else {
     AppendCharacter(unit);
@@ -268,7 +270,7 @@ void BlockBuilder::EmitCoded(std::uint32_t code) {
 void BlockBuilder::SwitchCharset(std::uint32_t hostCharset) {
   FlushCoded();
   charset_ = hostCharset;
-  storedUnits_ = deck_.servedAsUtf8 && hostCharset != HOST_CS_UNICODE ? kServedBytes : kAscii;
+  storedUnits_ = TakesBytes() && deck_.info.adapted ? kAdaptedBytes : kBelowDel;
 }
 
 // A surrogate whose other half does not follow shows as U+FFFD.
@@ -298,7 +300,7 @@ void BlockBuilder::CloseRun() {
   FlushCharacters();
   if (text_.Size() == runStart_) return;
   const std::string_view tail = text_.View().substr(runStart_);
-  if (std::exchange(runUnits_, 0) >= 0x80 && !IsWellFormed(tail)) {
+  if (!IsWellFormed(tail)) {
     const std::string repaired = RepairUtf8(tail);
     text_.Truncate(runStart_);
     text_.Add(repaired);

@@ -58,6 +58,7 @@ class BlockBuilder {
   void FlushSurrogate();
   void FlushCharacters();
 
+  bool TakesBytes() const;
   void CloseRun();
   bool IsWellFormed(std::string_view text) const;
   void SetStyle(const TextStyle &style);
@@ -104,10 +105,10 @@ class BlockBuilder {
   std::uint32_t charset_ = HOST_CS_UNICODE;
   std::string coded_;           ///< codes not yet converted, of documents served untouched
   char32_t highSurrogate_ = 0;  ///< waiting for its other half, 0: none
-  // Units from 0x20 on, so many, are stored as they are; DEL is not among them.
-  static constexpr std::uint32_t kAscii = 0x60;
-  static constexpr std::uint32_t kServedBytes = 0xE0;  // those of UTF-8, too
-  std::uint32_t storedUnits_ = kAscii;
+  // Units from 0x20 on, so many, are stored as they are.
+  static constexpr std::uint32_t kBelowDel = 0x7F - 0x20;
+  static constexpr std::uint32_t kAdaptedBytes = 0x100 - 0x20;  // the adapter serves no DEL
+  std::uint32_t storedUnits_ = kBelowDel;
 
   // The block.
   TextBuffer text_;
@@ -115,7 +116,6 @@ class BlockBuilder {
   std::vector<Link> links_;
   std::vector<Image> images_;
   std::size_t runStart_ = 0;
-  std::uint32_t runUnits_ = 0;  ///< those stored, or'ed: bytes of UTF-8 may lack their others
   TextStyle style_;
   std::uint32_t link_ = kNone;  ///< the open link, named again in every block it goes on in
   Alignment alignment_ = Alignment::kLeft;

@@ -6,6 +6,7 @@
 #define VS_WML_HOST_BYTE_SCAN_H
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -45,16 +46,20 @@ inline std::size_t FirstByte(std::uint64_t word) {
   return static_cast<std::size_t>(little ? std::countr_zero(word) : std::countl_zero(word)) / 8;
 }
 
-// The position of the first byte that is not 0 in a vector, its size when there is none.
+// The position of the first byte that is not 0 in a vector, its size when there is none. Which
+// of the words has it is not branched on: that would be hard to predict.
 template <typename Vector>
 std::size_t FirstIn(Vector vector) {
-  constexpr std::size_t kWord = sizeof(std::uint64_t);
-  for (std::size_t at = 0; at < sizeof vector; at += kWord) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, reinterpret_cast<const char *>(&vector) + at, kWord);
-    if (word != 0) return at + FirstByte(word);
+  std::array<std::uint64_t, sizeof vector / sizeof(std::uint64_t)> words;
+  std::memcpy(words.data(), &vector, sizeof vector);
+  std::uint64_t word = words.back();
+  std::size_t at = sizeof vector - sizeof word;
+  for (std::size_t before = words.size() - 1; before-- != 0;) {
+    const bool has = words[before] != 0;
+    word = has ? words[before] : word;
+    at = has ? before * sizeof word : at;
   }
-  return sizeof vector;
+  return word != 0 ? at + FirstByte(word) : sizeof vector;
 }
 
 // LengthBefore for a text no shorter than the vector, the last of which may overlap the one
