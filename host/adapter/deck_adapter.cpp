@@ -74,6 +74,7 @@ class DeckAdapter {
   void End(const Element &element, const Token &token);
 
   // Text.
+  [[gnu::noinline]] bool HasCardFor(const Token &token);
   void Characters(const Token &token);
   void Reference(std::string_view text, std::size_t &at);
   void Variable(std::string_view text, std::size_t &at);
@@ -254,7 +255,7 @@ inline void DeckAdapter::Take(const Token &token) {
   if (token.kind == TokenKind::kText) {
     Characters(token);
   } else if (token.kind == TokenKind::kLiteral) {
-    if (!IsBlank(token.text) && EnsureCard()) Write(token.text);
+    if (!IsBlank(token.text) && HasCardFor(token)) Write(token.text);
   } else if (const Element *element = FindElement(token)) {
     token.kind == TokenKind::kStartTag ? Start(*element, token) : End(*element, token);
   }
@@ -280,9 +281,16 @@ void DeckAdapter::End(const Element &element, const Token &token) {
 
 // ------------------------------------------------------------------------- text
 
+// Whether text has a card to stand in; phones show no other.
+bool DeckAdapter::HasCardFor(const Token &token) {
+  if (EnsureCard()) return true;
+  warnings_.Add("text outside of the cards is left out", token.offset);
+  return false;
+}
+
 void DeckAdapter::Characters(const Token &token) {
   const std::string_view text = token.text;
-  if (!inCard_ && (IsBlank(text) || !inDeck_ || !EnsureCard())) return;
+  if (!inCard_ && (IsBlank(text) || !inDeck_ || !HasCardFor(token))) return;
   // Blanks between the options of a list are not text.
   if (fields_.InSelect() && !fields_.InOption() && IsBlank(text)) return;
   if (token.plain) {

@@ -185,6 +185,25 @@ constexpr DocumentCase kDocuments[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Documents, Document, testing::ValuesIn(kDocuments));
 
+TEST(DeckAdapter, WarnsOfWhatItLeavesOut) {
+  const struct {
+    const char *document;
+    const char *warning;
+  } cases[] = {
+      {"<wml>\n<card>a</card>\nbetween<card>b</card> </wml>\n",
+       "line 2: text outside of the cards"},
+      {"<wml><head>\n<title>t</title></head><card/></wml>", "line 2: text outside of the cards"},
+      {"<wml><card/><![CDATA[a]]></wml>", "line 1: text outside of the cards"},
+      {"x <wml> <card/> </wml>", ""},
+  };
+  for (const auto &item : cases) {
+    const AdaptedDeck deck = AdaptDeck(item.document);
+    const std::string warning = deck.warnings.empty() ? "" : deck.warnings.front();
+    EXPECT_EQ(warning.substr(0, warning.find(" is left out")), item.warning) << item.document;
+    EXPECT_LE(deck.warnings.size(), 1U) << item.document;
+  }
+}
+
 TEST(DeckAdapter, GivesVariablesTheirValues) {
   AdapterOptions options;
   options.variables = {
