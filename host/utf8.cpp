@@ -230,6 +230,8 @@ bool IsValidUtf8(std::string_view text) {
 
 bool HasWholeEnds(std::string_view text) {
   if (text.empty()) return true;
+  const int ends = text.front() | text.back();
+  if (static_cast<unsigned char>(ends) < 0x80) return true;
   if (!StartsCharacter(text.front())) return false;
   std::size_t last = text.size() - 1;
   while (!StartsCharacter(text[last])) --last;

@@ -62,6 +62,31 @@ inline bool MarkupReader::StartsMarkup(std::size_t at) const {
 bool MarkupReader::Next(Token &token) {
   token.attributes.clear();
   token.empty = false;
+  return ReadBareTag(token) || ReadOther(token);
+}
+
+// Nearly all tags are a name of a few letters in angle brackets, which is found without a
+// loop.
+inline bool MarkupReader::ReadBareTag(Token &token) {
+  constexpr std::size_t kLongest = 2 + sizeof token.nameKey;
+  if (document_.size() - position_ < kLongest) return false;
+  const char *tag = document_.data() + position_;
+  if (*tag != '<') return false;
+  const bool ends = tag[1] == '/';
+  const char *name = tag + (ends ? 2 : 1);
+  const std::uint64_t lowered = LowestFirst(name) | EightTimes(0x20);
+  const std::size_t length = CountLetters(lowered);
+  if (length == 0 || length == sizeof lowered || name[length] != '>') return false;
+  token.kind = ends ? TokenKind::kEndTag : TokenKind::kStartTag;
+  token.offset = position_;
+  token.name = {name, length};
+  token.nameKey = lowered & ((std::uint64_t{1} << (8 * length)) - 1);
+  position_ += static_cast<std::size_t>(name - tag) + length + 1;
+  atMarkup_ = false;
+  return true;
+}
+
+bool MarkupReader::ReadOther(Token &token) {
   while (position_ < document_.size()) {
     token.offset = position_;
     if (!std::exchange(atMarkup_, false) && !StartsMarkup(position_)) {
@@ -199,28 +224,12 @@ void MarkupReader::SkipToTagEnd() {
   position_ = end == kNone ? document_.size() : end + 1;
 }
 
-// Nearly all names are a few letters, which are found and compared without a loop.
-inline void MarkupReader::ReadTagName(Token &token) {
-  const std::string_view rest = document_.substr(position_);
-  if (rest.size() > sizeof token.nameKey) {
-    const std::uint64_t lowered = LowestFirst(rest.data()) | EightTimes(0x20);
-    const std::size_t length = CountLetters(lowered);
-    if (length < sizeof token.nameKey && !IsNameCharacter(rest[length])) {
-      token.name = rest.substr(0, length);
-      token.nameKey = lowered & ((std::uint64_t{1} << (8 * length)) - 1);
-      position_ += length;
-      return;
-    }
-  }
-  token.name = ReadName();
-  token.nameKey = NameKey(token.name);
-}
-
-inline void MarkupReader::ReadTag(Token &token) {
+void MarkupReader::ReadTag(Token &token) {
   const bool ends = document_[position_ + 1] == '/';
   token.kind = ends ? TokenKind::kEndTag : TokenKind::kStartTag;
   position_ = SkipWhiteSpace(document_, position_ + (ends ? 2 : 1));
-  ReadTagName(token);
+  token.name = ReadName();
+  token.nameKey = NameKey(token.name);
   if (position_ < document_.size() && document_[position_] == '>') {
     ++position_;
   } else {

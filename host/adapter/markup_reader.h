@@ -73,9 +73,11 @@ class MarkupReader {
   bool StartsMarkup(std::size_t at) const;
   [[gnu::noinline]] bool IsLooseTag(std::size_t at) const;
   bool StartsWith(std::size_t at, std::string_view prefix) const;
+  bool ReadBareTag(Token &token);
+  // Out of line, like all that is rarer, to keep short what reads nearly every tag.
+  [[gnu::noinline]] bool ReadOther(Token &token);
   void ReadText(Token &token);
   [[gnu::noinline]] std::size_t FindMarkup(std::size_t at) const;
-  // Out of line, like all that is rare, to keep short what reads nearly every token.
   [[gnu::noinline]] bool ReadSection(Token &token);
   bool ReadCdata(Token &token);
   void SkipComment();
@@ -83,7 +85,6 @@ class MarkupReader {
   void SkipUntil(std::size_t from, std::string_view end, const char *warning);
   void SkipToTagEnd();
   void ReadTag(Token &token);
-  void ReadTagName(Token &token);
   [[gnu::noinline]] void SkipEndTag();
   [[gnu::noinline]] void ReadAttributes(Token &token);
   void ReadAttribute(Token &token);
