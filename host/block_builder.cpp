@@ -299,12 +299,7 @@ void BlockBuilder::FlushCoded() {
 void BlockBuilder::CloseRun() {
   FlushCharacters();
   if (text_.Size() == runStart_) return;
-  const std::string_view tail = text_.View().substr(runStart_);
-  if (!IsWellFormed(tail)) {
-    const std::string repaired = RepairUtf8(tail);
-    text_.Truncate(runStart_);
-    text_.Add(repaired);
-  }
+  if (!IsWellFormed(text_.View().substr(runStart_))) RepairRun();
   Run run;
   run.begin = static_cast<std::uint32_t>(runStart_);
   run.end = static_cast<std::uint32_t>(text_.Size());
@@ -312,6 +307,12 @@ void BlockBuilder::CloseRun() {
   run.link = link_;
   runs_.push_back(run);
   runStart_ = text_.Size();
+}
+
+void BlockBuilder::RepairRun() {
+  const std::string repaired = RepairUtf8(text_.View().substr(runStart_));
+  text_.Truncate(runStart_);
+  text_.Add(repaired);
 }
 
 // What the adapter has served is well-formed, and the filter hands every byte on: only where

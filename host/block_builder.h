@@ -60,6 +60,7 @@ class BlockBuilder {
 
   bool TakesBytes() const;
   void CloseRun();
+  [[gnu::noinline]] void RepairRun();
   bool IsWellFormed(std::string_view text) const;
   void SetStyle(const TextStyle &style);
   void StartContent();

@@ -297,11 +297,11 @@ class TextWriter : public BlockSink {
   }
 
   void WriteStyled(const Line &line) {
+    color_ ? WriteColored(line) : out_.WritePart(flat_.text, line.begin, line.end);
+  }
+
+  [[gnu::noinline]] void WriteColored(const Line &line) {
     const std::string_view text = flat_.text;
-    if (!color_) {
-      out_.WritePart(text, line.begin, line.end);
-      return;
-    }
     auto mark = std::upper_bound(
         flat_.marks.begin(), flat_.marks.end(), line.begin,
         [](std::size_t offset, const Mark &candidate) { return offset < candidate.offset; });
@@ -325,7 +325,8 @@ class TextWriter : public BlockSink {
   std::vector<std::size_t> ColumnsOf(const Table &table) const;
   void BreakCell(const CellText &cell, std::size_t width);
   void WriteRow(const Table &table, const Row &row, const std::vector<std::size_t> &columns);
-  void WriteRowLine();
+  // Out of line, which leaves it the registers.
+  [[gnu::noinline]] void WriteRowLine();
 
   Output &out_;
   std::size_t width_;
