@@ -67,30 +67,74 @@ TEST(ExhaustedHeap, IsReportedAndLeavesNothingBehind) {
   }
 }
 
-TEST(ExhaustedHeap, StopsTheReadAtTheTableThatHasNoRecord) {
-  BlockSource source("<wml><card>a<b>b<table columns=1><tr><td>c</table>d</b>e");
-  Host host;
-  Session session(source, host);
-  session.Open();
-  session.Section();
-  // The allocations of a read of this document that ends before the table.
-  std::uint64_t before = 0;
-  {
-    BlockSource shorter("<wml><card>a<b>b");
-    Host other;
-    Session scout(shorter, other);
-    scout.Open();
-    HeapProbe heap;
-    scout.Read();
-    before = heap.allocations;
+/// A read of which one allocation fails: the first two are its scratch strings, the third is
+/// the storage of the first four styles, the fourth a string for the card's title.
+struct FailedRead {
+  const char *text;
+  std::uint64_t at;
+  const char *calls;  ///< behind the character set
+  bool stops = false;
+};
+
+TEST(ExhaustedHeap, LeavesOutWhatItCannotHoldAndEndsTheRead) {
+  constexpr FailedRead kReads[] = {
+      {"<wml><card>a<b>b<u>c<i>d<big>e", 5,
+       "SOSetTextColor 0x000000\nSOEmitChar \"a\"\nSOSetProperty bold on\n"
+       "SOEmitChar \"b\"\nSOSetProperty underline on\nSOEmitChar \"c\"\n"
+       "SOSetProperty italic on\nSOEmitChar \"d\"\nSOAbortStream\n"
+       "SOSetProperty italic off\nSOSetProperty underline off\nSOSetProperty bold off\n"
+       "SOEmitBreak document\n"},
+      {"<wml><card>a<b>b<u>c<i>d<p align=center>e", 5,
+       "SOSetTextColor 0x000000\nSOEmitChar \"a\"\nSOSetProperty bold on\n"
+       "SOEmitChar \"b\"\nSOSetProperty underline on\nSOEmitChar \"c\"\n"
+       "SOSetProperty italic on\nSOEmitChar \"d\"\nSOEmitBreak paragraph\n"
+       "SOSetProperty alignment center\nSOSetProperty alignment-done\nSOAbortStream\n",
+       true},
+      {"<wml><card title=\"t\">x", 4,
+       "SOSetTextColor 0x000000\nSOAbortStream\nSOEmitBreak document\n"},
+      {"<wml x='&amp;'><card>x", 4, "SOAbortStream\nSOEmitBreak document\n"},
+      {"<wml><card><a href=\"xx\" title=\"yy\">z", 5,
+       "SOSetTextColor 0x000000\nSOStoreString \"\" -> 1\n"
+       "SOOpenLink 1 reference=0 title\nSOSetTextColor 0xFF0000\n"
+       "SOSetProperty underline on\nSOAbortStream\nSOSetTextColor 0x000000\n"
+       "SOSetProperty underline off\nSOCloseLink 1\nSOEmitBreak document\n"},
+      {"<wml><card><img src=\"xx\" alt=\"yy\" width=\"3\" height=\"4\">z", 5,
+       "SOSetTextColor 0x000000\nSOStoreString \"\" -> 1\nSOOpenReference -> 1\n"
+       "SOSetProperty reference-target string=4294967295\nSOSetProperty reference-end\n"
+       "SOInsertGraphic reference=1 unsized width=0 height=0 alternative=1 "
+       "sides=0/0x000000/hidden\n"
+       "SOAbortStream\nSOEmitBreak document\n"},
+      {"<wml><card>a<b>b<table columns=1><tr><td>c</table>d</b>e", 5,
+       "SOSetTextColor 0x000000\nSOEmitChar \"a\"\nSOSetProperty bold on\n"
+       "SOEmitChar \"b\"\nSOAbortStream\nSOEmitBreak cell\n"
+       "SOSetProperty alignment left\nSOSetProperty alignment-done\n"
+       "SOSetProperty bold off\nSOEmitBreak document\n"},
+      {"<wml><card>a<table columns=1><td>b<td class='&amp;'>c</table>d", 6,
+       "SOSetTextColor 0x000000\nSOEmitChar \"a\"\nSOEmitBreak paragraph\n"
+       "SOEmitBreak paragraph\nSOSetProperty alignment left\nSOOpenTable\n"
+       "SOAbortStream\nSOEmitBreak cell\nSOEmitBreak cell\n"
+       "SODescribeRow columns=1 align=left inset=15\n"
+       "SODescribeCell width=176 shade=0xFFFFFF table=0xFFFFFF sides=15/0x000000\n"
+       "SOEmitBreak row\nSOCloseTable\nSOEmitBreak paragraph\n"
+       "SOSetProperty alignment left\nSOSetProperty alignment-done\n"
+       "SOEmitBreak document\n"},
+  };
+  for (const FailedRead &read : kReads) {
+    BlockSource source(read.text);
+    Host host;
+    if (read.stops) host.answerBreak = [](std::uint32_t) { return SO_STOP; };
+    Session session(source, host);
+    session.Open();
+    {
+      HeapProbe heap(read.at);
+      session.Read();
+      EXPECT_EQ(heap.failures, 1u);
+    }
+    const std::string told = host.Text();
+    const std::string begin = "SOSwitchCharset unicode\n";
+    EXPECT_EQ(told.substr(told.find(begin) + begin.size()), read.calls) << read.text;
+    EXPECT_EQ(host.checker.Fault(), "");
   }
-  HeapProbe heap(before + 1);
-  ASSERT_TRUE(session.Read());
-  ASSERT_EQ(heap.failures, 1u);
-  const std::string text = host.Text();
-  EXPECT_EQ(text.substr(text.find("SOEmitChar \"b\"")),
-            "SOEmitChar \"b\"\nSOAbortStream\nSOEmitBreak cell\nSOSetProperty alignment left\n"
-            "SOSetProperty alignment-done\nSOSetProperty bold off\nSOEmitBreak document\n");
 }
 
 TEST(ExhaustedHeap, WithoutScratchStringsAReadIsSilent) {
@@ -107,6 +151,25 @@ TEST(ExhaustedHeap, WithoutScratchStringsAReadIsSilent) {
   EXPECT_EQ(host.calls, calls);
   EXPECT_EQ(source.reads, 0u);
   EXPECT_TRUE(session.Read()) << "the next read finds the heap filled again";
+}
+
+TEST(ExhaustedHeap, BeforeTheBaseStyleLetsTheNextReadBegin) {
+  BlockSource source("<wml><card>a");
+  Host host;
+  Session session(source, host);
+  session.Open();
+  {
+    HeapProbe heap(3);
+    session.Read();
+    EXPECT_EQ(heap.failures, 1u);
+  }
+  session.Read();
+  EXPECT_EQ(host.Text(),
+            "SOSwitchCharset unicode\nSOAbortStream\nSOEmitBreak document\n"
+            "SOSetTextColor 0x000000\nSOEmitChar \"a\"\nSOEmitBreak document\n");
+  EXPECT_EQ(host.Announced(),
+            "SOSetCharSize 24\nSOSetProperty layout ordinary\nSOSelectFontNumber 1\n"
+            "SOSwitchCharset unicode\n");
 }
 
 /// Allocations and peak of one read of `text`, repeated to `length`.
