@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 #include <vector>
 
+#include "filter/instance.h"
 #include "tests/support/heap_probe.h"
 #include "tests/support/session.h"
 
@@ -209,40 +211,123 @@ TEST(Stream, ReadsTheEndAgainAndAgain) {
   EXPECT_EQ(host.Text().substr(first.size()), "SOEmitBreak document\n");
   host.tracing = false;
   const std::uint32_t end = session.Tell();
-  for (int i = 0; i < 70000; ++i) ASSERT_TRUE(session.Read());
-  EXPECT_GE(session.Tell(), end);
+  for (int i = 0; i < 70000; ++i) {
+    ASSERT_TRUE(session.Read());
+    ASSERT_GE(session.Tell(), end);
+  }
   EXPECT_EQ(host.checker.Fault(), "");
 }
 
-TEST(Stream, IsOpenedAgainAfterClose) {
-  BlockSource source("<wml><card><b>x<table columns=1><td>y");
+// Whatever a stream leaves behind, the next one in the instance begins afresh.
+TEST(Stream, IsOpenedAgain) {
+  constexpr std::string_view kText = "y<b>z</b><table columns=1><td>t</table></card><card>";
+  const std::string deck = "<wml><card>" + std::string(kText);
+  for (const bool closes : {true, false}) {
+    for (const std::int16_t before : std::to_array<std::int16_t>({1160, 1152})) {
+      for (const bool stops : {true, false}) {
+        HeapProbe heap;
+        {
+          BlockSource source("<wml><card><p align=right><a href=x>x<pre>y\n<table columns=9><td>");
+          Host first;
+          if (stops) first.answerBreak = [](std::uint32_t) { return SO_STOP; };
+          Session session(source, first);
+          session.Open(before);
+          session.Read();
+          if (closes) VwStreamClose(session.Chr(), session.Instance());
+
+          BlockSource again(deck);
+          Host host;
+          host.Install(session.Instance());
+          VwHandle chr = 0;
+          VwHandle block = 0;
+          VwLocalUp(again.Handle(), &chr, session.Instance());
+          host.Install(session.Instance());
+          VwFileInfo info;
+          VwStreamOpen(chr, 1151, 0, &info, session.Instance());
+          VwStreamSection(chr, session.Instance());
+          host.checker.BeginRead();
+          VwStreamRead(chr, session.Instance());
+          EXPECT_EQ(host.Text(), ReadDocument(deck)) << closes << before << stops;
+          VwLocalDown(chr, &block);
+        }
+        EXPECT_EQ(heap.blocks, 0);
+      }
+    }
+  }
+}
+
+TEST(Stream, ReadsTheHandleThatItIsGiven) {
+  BlockSource source("<wml><card>x");
+  BlockSource other("<wml><card>y");
   Host host;
   Session session(source, host);
-  std::string texts[2];
-  for (std::string &text : texts) {
-    const std::size_t before = host.Text().size();
-    host.strings = host.references = 0;
-    host.checker = {};
-    session.Open();
-    session.Seek(0);
-    session.Section();
-    session.Read();
-    VwStreamClose(session.Chr(), session.Instance());
-    text = host.Text().substr(before);
-  }
-  EXPECT_EQ(texts[0].substr(0, 40), texts[1].substr(0, 40));
-  EXPECT_NE(texts[1].find("SOCloseTable"), std::string::npos);
-  EXPECT_EQ(host.checker.Fault(), "");
+  session.Open();
+  VwHandle chr = 0;
+  VwLocalUp(other.Handle(), &chr, session.Instance());
+  host.Install(session.Instance());
+  host.checker.BeginRead();
+  VwStreamRead(chr, session.Instance());
+  EXPECT_NE(host.Text().find("SOEmitChar \"y\"\n"), std::string::npos);
+  EXPECT_EQ(source.reads, 0u);
+  VwHandle block = 0;
+  VwLocalDown(chr, &block);
+  EXPECT_EQ(block, other.Handle());
 }
 
-TEST(Slots, OutOfRangeAreIgnoredAndNullEmptiesThem) {
+// A row or cell without an end tag is closed by the next one, so that a table of any length
+// leaves room on the stack of open elements, which holds 40; outside a table none is closed.
+TEST(Stack, HoldsNoClosedRowsAndCells) {
+  const struct {
+    const char *begin;
+    const char *repeated;
+    bool leavesRoom;
+  } documents[] = {
+      {"<table columns=1>", "<tr><td>x", true},
+      {"<table columns=60><tr>", "<td>x", true},
+      {"", "<td></td><tr></tr>", true},
+      {"", "<td>", false},
+      {"", "<tr>", false},
+  };
+  for (const auto &document : documents) {
+    std::string text = std::string("<wml><card>") + document.begin;
+    for (int i = 0; i < 60; ++i) text += document.repeated;
+    const bool isBold = ReadDocument(text + "<b>y").find("bold on") != std::string::npos;
+    EXPECT_EQ(isBold, document.leavesRoom) << document.begin << document.repeated;
+  }
+}
+
+TEST(Slots, HaveAPlaceEachAndNoneBeyond) {
   BlockSource source("<wml><card>x");
   Host host;
   Session session(source, host);
+  const auto &field = session.Instance()->routines.field;
+  const auto routine = [](int slot) { return reinterpret_cast<VwRoutine>(0x1000 + slot); };
+  for (int slot = 1; slot <= VW_SLOT_COUNT; ++slot) {
+    VwSetSoRtn(static_cast<std::int16_t>(slot), routine(slot), session.Instance());
+  }
+  const std::pair<int, int> places[] = {{1, 0},     {30, 29},  {113, 30},  {109, 31},  {112, 34},
+                                        {31, 35},   {35, 39},  {104, 40},  {36, 41},   {75, 80},
+                                        {114, 81},  {76, 82},  {103, 109}, {105, 110}, {108, 113},
+                                        {115, 114}, {118, 117}};
+  for (const auto &[slot, place] : places) EXPECT_EQ(field[place], routine(slot)) << slot;
+  for (int slot = 1; slot <= VW_SLOT_COUNT; ++slot) {
+    EXPECT_EQ(std::ranges::count(field, routine(slot)), 1) << slot;
+  }
+  const std::vector<VwRoutine> before(std::begin(field), std::end(field));
+  const VwUserWord user1 = session.Instance()->userData1;
   for (const int slot : {0, -1, 119, 32767, -32768}) {
     VwSetSoRtn(static_cast<std::int16_t>(slot), Erase(SODummy), session.Instance());
   }
+  EXPECT_TRUE(std::ranges::equal(field, before));
+  EXPECT_EQ(session.Instance()->userData1, user1);
   VwSetSoRtn(118, nullptr, session.Instance());
+  EXPECT_EQ(field[117], Erase(SODummy));
+}
+
+TEST(Slots, AreEmptiedByNull) {
+  BlockSource source("<wml><card>x");
+  Host host;
+  Session session(source, host);
   session.Open();
   session.Section();
   VwSetSoRtn(SLOT_EMIT_CHAR, nullptr, session.Instance());
@@ -372,17 +457,26 @@ TEST(Null, HandlesReadAsEmptyDocuments) {
   EXPECT_EQ(block, 0u);
 
   BlockSource source("");
-  Host host;
-  Session session(source, host);
-  VwFileInfo info;
-  VwStreamOpen(0, 1151, 0, &info, session.Instance());
-  VwStreamSection(0, session.Instance());
-  const std::size_t before = host.Text().size();
-  host.checker.BeginRead();
-  VwStreamRead(0, session.Instance());
-  EXPECT_EQ(host.Text().substr(before),
-            "SOSetCharSize 24\nSOSetProperty layout ordinary\nSOSelectFontNumber 1\n"
-            "SOSwitchCharset unicode\nSOEmitBreak document\n");
+  VwHandle blockless = 0;
+  WmlProc *instance = VwAllocProc();
+  VwLocalUp(0, &blockless, instance);
+  VwFreeProc(instance);
+  for (const VwHandle chr : {VwHandle{0}, blockless}) {
+    Host host;
+    Session session(source, host);
+    VwFileInfo info;
+    VwStreamOpen(chr, 1151, 0, &info, session.Instance());
+    VwStreamSection(chr, session.Instance());
+    const std::size_t before = host.Text().size();
+    host.checker.BeginRead();
+    VwStreamRead(chr, session.Instance());
+    EXPECT_EQ(host.Text().substr(before),
+              "SOSetCharSize 24\nSOSetProperty layout ordinary\nSOSelectFontNumber 1\n"
+              "SOSwitchCharset unicode\nSOEmitBreak document\n");
+    EXPECT_EQ(VwStreamSeek(chr, &position), -1);
+  }
+  VwLocalDown(blockless, &block);
+  EXPECT_EQ(block, 0u);
 }
 
 TEST(WrongState, ReadsAsNothing) {
@@ -401,6 +495,17 @@ TEST(WrongState, ReadsAsNothing) {
   VwStreamClose(session.Chr(), session.Instance());
   expectNothing();
   VwStreamClose(session.Chr(), session.Instance());
+}
+
+TEST(WrongState, StepsThatAreLeftOutDoNoHarm) {
+  HeapProbe heap;
+  WmlProc *instance = VwAllocProc();
+  VwFileInfo info;
+  VwStreamOpen(0, 1151, 0, &info, instance);  // not attached: all slots are empty
+  VwStreamSection(0, instance);
+  VwStreamRead(0, instance);
+  VwFreeProc(instance);  // not closed
+  EXPECT_EQ(heap.blocks, 0);
 }
 
 TEST(Stubs, DoNothing) {

@@ -4,6 +4,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "tests/support/session.h"
 
 namespace vs_wml::test {
@@ -128,6 +130,67 @@ TEST(Buffer, OverlongCountsAreTakenAsWanted) {
   }
 }
 
+struct Character {
+  std::uint32_t character;
+  std::uint32_t position;
+  bool operator==(const Character &) const = default;
+};
+
+struct Characters {
+  VwHandle chr;
+  std::vector<Character> told;
+};
+
+std::uint32_t NoteCharacter(std::uint32_t character, VwUserWord user1, VwUserWord /*user2*/) {
+  auto &characters = *reinterpret_cast<Characters *>(user1);
+  VwStreamPos position{};
+  VwStreamTell(characters.chr, &position);
+  characters.told.push_back({character, position.offset});
+  return 0;
+}
+
+TEST(Position, InAnOutputRoutineIsBehindWhatIsTold) {
+  const struct {
+    const char *text;
+    std::int16_t identity;
+    std::vector<Character> told;
+  } documents[] = {
+      {"<wml><card>a b&amp;c&#100;$$e/f\x93g",
+       1151,
+       {{'a', 12},
+        {' ', 13},
+        {'b', 14},
+        {'&', 19},
+        {'c', 20},
+        {'d', 26},
+        {'$', 28},
+        {'e', 29},
+        {'/', 30},
+        {'f', 31},
+        {0x201C, 32},
+        {'g', 33}}},
+      {"<wml><card>\x82\xA0\x82\xA2x", 1160, {{0x82A0, 13}, {0x82A2, 15}, {'x', 16}}},
+  };
+  for (const auto &document : documents) {
+    for (const std::uint32_t chunk : {0u, 1u}) {
+      BlockSource source(document.text, chunk);
+      WmlProc *instance = VwAllocProc();
+      Characters characters{};
+      VwLocalUp(source.Handle(), &characters.chr, instance);
+      VwSetSoRtn(SLOT_EMIT_CHAR, reinterpret_cast<VwRoutine>(NoteCharacter), instance);
+      VwSetUser(reinterpret_cast<VwUserWord>(&characters), 0, instance);
+      VwFileInfo info;
+      VwStreamOpen(characters.chr, document.identity, 0, &info, instance);
+      VwStreamRead(characters.chr, instance);
+      EXPECT_EQ(characters.told, document.told) << document.text << chunk;
+      VwStreamClose(characters.chr, instance);
+      VwHandle block = 0;
+      VwLocalDown(characters.chr, &block);
+      VwFreeProc(instance);
+    }
+  }
+}
+
 // Whatever fails at whatever call, for once or for good: the document ends tidily.
 TEST(AwkwardHost, EveryFailureEndsTidily) {
   const std::string text =
@@ -157,11 +220,12 @@ TEST(AwkwardHost, EveryFailureEndsTidily) {
   }
 }
 
+// 0: the host does not say where it stands.
 TEST(AwkwardHost, PositionsThatLieOnlyCostSeeks) {
   const std::string text = Deck(std::string(5000, 'x') + "<b>y</b>");
-  for (const std::uint32_t lie : {1u, 2048u, 0xFFFFFFFFu}) {
+  for (const std::uint32_t lie : {0u, 1u, 2048u, 0xFFFFFFFFu}) {
     BlockSource source(text);
-    source.faults.tellLie = lie;
+    source.faults = {.tellAt = lie == 0 ? 1u : 0u, .forever = true, .tellLie = lie};
     Host host;
     EXPECT_EQ(ReadDocument(source, host), ReadDocument(text));
     EXPECT_EQ(source.seeks, source.tells);

@@ -140,6 +140,38 @@ TEST(SaveBlock, OutOfRangeInTextIsTakenForNothing) {
        [](WmlSave &save) { save.charsetState = 0xFFFF; },
        "SOEmitChar \"x\"\nSOSwitchCharset unicode\nSOEmitBreak paragraph\nSOEmitChar \"y\"\n"
        "SOSetProperty bold off\n"},
+      {"a style that is not stored: a table is measured in the base style",
+       "<table columns=1><td>x</table>", [](WmlSave &save) { Top(save).styleIndex = 500; },
+       "SOEmitBreak paragraph\nSOSetProperty alignment left\nSOOpenTable\n"
+       "SOSetCharSize 24\nSOSetProperty layout ordinary\nSOSelectFontNumber 1\n"
+       "SOEmitChar \"x\"\nSOEmitBreak cell\n"
+       "SODescribeRow columns=1 align=left inset=15\n"
+       "SODescribeCell width=184 shade=0xFFFFFF table=0xFFFFFF sides=15/0x000000\n"
+       "SOEmitBreak row\nSOCloseTable\nSOEmitBreak paragraph\n"
+       "SOSetProperty alignment left\nSOSetProperty alignment-done\n"
+       "SOSetCharSize 24\nSOSetProperty layout ordinary\nSOSelectFontNumber 1\n"},
+      {"a background shows in cells that did not begin, and inverted in borders",
+       "<table columns=2><td>x<td>y<tr><td>z</table>",
+       [](WmlSave &save) { save.backgroundColor = 0x112233; },
+       "SOEmitBreak paragraph\nSOSetProperty alignment left\nSOOpenTable\n"
+       "SOEmitChar \"x\"\nSOEmitBreak cell\nSOEmitChar \"y\"\nSOEmitBreak cell\n"
+       "SODescribeRow columns=2 align=left inset=15\n"
+       "SODescribeCell width=184 shade=0xFFFFFF table=0x112233 sides=15/0xEEDDCC\n"
+       "SODescribeCell width=168 shade=0xFFFFFF table=0x112233 sides=15/0xEEDDCC\n"
+       "SOEmitBreak row\nSOEmitChar \"z\"\nSOEmitBreak cell\nSOEmitBreak cell\n"
+       "SODescribeRow columns=2 align=left inset=15\n"
+       "SODescribeCell width=184 shade=0xFFFFFF table=0x112233 sides=15/0xEEDDCC\n"
+       "SODescribeCell width=168 shade=0x112233 table=0x112233 sides=15/0xEEDDCC\n"
+       "SOEmitBreak row\nSOCloseTable\nSOEmitBreak paragraph\n"
+       "SOSetProperty alignment left\nSOSetProperty alignment-done\nSOSetProperty bold off\n"},
+      {"a single shift that waits for longer than a reset", "<br/>x",
+       [](WmlSave &save) { save.charsetState = 0xFFFF; },
+       "SOEmitBreak paragraph\nSOSwitchCharset unicode\nSOEmitChar \"x\"\n"
+       "SOSwitchCharset unicode\nSOSetProperty bold off\n"},
+      {"a mode that no element has: tags are text, of which the '<' is lost", "x<br/>y\tz",
+       [](WmlSave &save) { save.modeFlags |= MODE_LITERAL; },
+       "SOEmitChar \"xbr>y\"\nSOEmitControlCode tab\nSOEmitChar \"z\"\n"
+       "SOSetProperty bold off\n"},
   };
   ExpectCalls("<wml><card><b>a<br/>", forgeries);
 }
@@ -179,6 +211,28 @@ TEST(SaveBlock, OutOfRangeInTablesIsTakenForNothing) {
        "SOSetProperty alignment left\nSOSetProperty alignment-done\n"},
   };
   ExpectCalls("<wml><card><table columns='2'>", forgeries);
+}
+
+// The set that a shift returns to is the one declared last, wherever the stream stands.
+TEST(SaveBlock, DoesNotHoldTheDeclaredCharset) {
+  BlockSource source(
+      "<wml><card>a<br/>\x0F"
+      "b<meta http-equiv=content-type content='charset=big5'>");
+  Host host;
+  bool stops = true;
+  host.answerBreak = [&stops](std::uint32_t) { return stops ? SO_STOP : 0; };
+  Session session(source, host);
+  session.Open();
+  EXPECT_FALSE(session.Read());
+  stops = false;
+  const SavedState state = session.Save();
+  for (const char *charset : {"unicode", "big5"}) {
+    const std::size_t before = host.Text().size();
+    EXPECT_TRUE(session.Read());
+    EXPECT_TRUE(host.Text().substr(before).starts_with(std::string("SOSwitchCharset ") + charset +
+                                                       "\nSOEmitChar \"b\"\n"));
+    session.Restore(state);
+  }
 }
 
 // A host that jumps about in a document finds each table that it has read measured.
