@@ -277,7 +277,8 @@ typedef uint32_t (*SODeclareSectionRoutine)(uint32_t zero0, uint32_t zero1, uint
 
 /** Slot 20: the filter cannot go on: the filter identity is not served (from
  * VwStreamOpen) or the heap is exhausted (from VwStreamRead, which closes what is
- * open and still ends with SO_BREAK_DOCUMENT). `zero` is 0. */
+ * open and still ends with SO_BREAK_DOCUMENT, unless the host has just stopped
+ * it). `zero` is 0. */
 typedef uint32_t (*SOAbortStreamRoutine)(uint32_t zero, VwUserWord user1, VwUserWord user2);
 
 /** Slot 31: selects a font of the font list by its number, 0 the default font. */
@@ -460,8 +461,10 @@ VW_API uint16_t VwGetInfo(void *out, uint16_t query) VW_NOEXCEPT;
 #define VW_SAVE_SIZE 516
 
 /** Copies the save block out: everything that a read needs in order to go on
- * later, except the position (VwStreamTell). Between two reads only. The block
- * is valid for this open stream, in this process; it holds no addresses. */
+ * later, except the position (VwStreamTell) and the character set that ISO 2022
+ * escapes return to, which the last `meta` element read has declared. Between two
+ * reads only. The block is valid for this open stream, in this process; it holds
+ * no addresses. */
 VW_API void VwGetData(void *out, WmlProc *instance) VW_NOEXCEPT;
 
 /** Copies a save block back in; VwStreamSeek then sets the position that was
