@@ -47,7 +47,7 @@
  * Memory. An instance takes 3.6 KB, its input buffer 2 KB and the scratch strings of a
  * read at most 8 KB, whatever the length of the document; and the stream keeps 284 bytes
  * for each table and 16 for each distinct style, with up to half of that again in
- * reserve. A read that has begun allocates for those alone.
+ * reserve. Nothing else is allocated, and a scratch string once for all its uses.
  *
  * Work. A document is read in time proportional to its length, except that a
  * table is read ahead once to measure it before it is told, and that a
