@@ -363,7 +363,7 @@ void TextWriter::FlattenCells(const Table &table) {
     cells_.push_back({begin, end, end - begin});
   }
   const std::string_view text = flat_.text;
-  const bool plain = AsciiPrefix(text) == text.size() && text.find('\n') == text.npos;
+  const bool plain = AsciiPrefix(text) == text.size() && text.find('\n') == std::string_view::npos;
   cellKind_ = plain ? TextKind::kPlain : TextKind::kAny;
   if (plain) return;
   for (CellText &cell : cells_) {
