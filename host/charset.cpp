@@ -242,9 +242,8 @@ std::optional<std::string> MetaDeclaration(std::string_view lower) {
   return std::nullopt;
 }
 
-// What HTTP headers say that were saved with the document.
 std::optional<std::string> HeaderDeclaration(std::string_view lower) {
-  if (!lower.starts_with("http/") && !lower.starts_with("content-type:")) return std::nullopt;
+  if (!HasSavedHeaders(lower)) return std::nullopt;
   lower = lower.substr(0, lower.find('<'));
   const std::size_t type = lower.find("content-type:");
   if (type == std::string_view::npos) return std::nullopt;
@@ -290,6 +289,12 @@ std::optional<std::string> DetectByStatistics(std::string_view bytes) {
 }
 
 }  // namespace
+
+bool HasSavedHeaders(std::string_view document) {
+  constexpr std::string_view kContentType = "content-type:";
+  const std::string start = ToLower(document.substr(0, kContentType.size()));
+  return start.starts_with("http/") || start == kContentType;
+}
 
 bool IsKnownCharset(std::string_view name) {
   return FindConverter(name) != nullptr;

@@ -26,6 +26,9 @@ struct DetectedCharset {
 /// "gb2312" means GB 18030 and so on, the supersets that documents are written in.
 bool IsKnownCharset(std::string_view name);
 
+/// Whether HTTP headers were saved with a document, in front of it.
+bool HasSavedHeaders(std::string_view document);
+
 /// Finds the character set of `bytes`: `option` when it is not empty, else byte-order
 /// mark, XML declaration, meta element, HTTP header saved with the document, well-formed
 /// UTF-8, a statistical detector, windows-1252. A declared name that is unknown or impossible

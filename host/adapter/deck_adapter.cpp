@@ -17,6 +17,7 @@
 #include "host/adapter/value_reader.h"
 #include "host/adapter/variables.h"
 #include "host/adapter/warnings.h"
+#include "host/charset.h"
 #include "host/utf8.h"
 
 namespace vs_wml {
@@ -281,16 +282,18 @@ void DeckAdapter::End(const Element &element, const Token &token) {
 
 // ------------------------------------------------------------------------- text
 
-// Whether text has a card to stand in; phones show no other.
+// Whether text has a card to stand in; phones show no other. Saved headers are not missed.
 bool DeckAdapter::HasCardFor(const Token &token) {
-  if (EnsureCard()) return true;
-  warnings_.Add("text outside of the cards is left out", token.offset);
+  if (inDeck_ && EnsureCard()) return true;
+  if (token.offset != 0 || !HasSavedHeaders(token.text)) {
+    warnings_.Add("text outside of the cards is left out", token.offset);
+  }
   return false;
 }
 
 void DeckAdapter::Characters(const Token &token) {
   const std::string_view text = token.text;
-  if (!inCard_ && (IsBlank(text) || !inDeck_ || !HasCardFor(token))) return;
+  if (!inCard_ && (IsBlank(text) || !HasCardFor(token))) return;
   // Blanks between the options of a list are not text.
   if (fields_.InSelect() && !fields_.InOption() && IsBlank(text)) return;
   if (token.plain) {

@@ -194,7 +194,10 @@ TEST(DeckAdapter, WarnsOfWhatItLeavesOut) {
        "line 2: text outside of the cards"},
       {"<wml><head>\n<title>t</title></head><card/></wml>", "line 2: text outside of the cards"},
       {"<wml><card/><![CDATA[a]]></wml>", "line 1: text outside of the cards"},
-      {"x <wml> <card/> </wml>", ""},
+      {"From: a\n\n<wml><card/></wml>", "line 1: text outside of the cards"},
+      {" <wml> <card/> </wml> ", ""},
+      {"HTTP/1.1 200 OK\n\n<wml><card/></wml>", ""},
+      {"content-type: text/vnd.wap.wml\n\n<wml><card/></wml>", ""},
   };
   for (const auto &item : cases) {
     const AdaptedDeck deck = AdaptDeck(item.document);
