@@ -23,7 +23,7 @@ build: configure ## build the library, unwml and the tests in build/release
 
 demo: configure ## read a shipped deck
 	@cmake --build --preset $(PRESET) -j $(JOBS) --target unwml
-	@$(BUILD)/cli/unwml examples/decks/harbour.wml
+	@$(BUILD)/unwml/unwml examples/decks/harbour.wml
 
 test: build ## build and run all tests
 	@ctest --preset $(PRESET) -j $(JOBS)
@@ -55,7 +55,7 @@ format: ## clang-format all sources
 	@scripts/format
 
 picture: build ## draw docs/picture.svg
-	@scripts/picture $(BUILD)/cli/unwml examples/decks/harbour.wml >docs/picture.svg
+	@scripts/picture $(BUILD)/unwml/unwml examples/decks/harbour.wml >docs/picture.svg
 
 clean: ## remove build/
 	@rm -rf build

@@ -108,7 +108,7 @@ def main():
     parser.add_argument("--files", type=int, default=10000, help="decks of the tree")
     arguments = parser.parse_args()
     bench = Bench(arguments.programs, arguments.size, arguments.rounds)
-    unwml = os.path.abspath(arguments.unwml or bench.programs.parent / "cli" / "unwml")
+    unwml = os.path.abspath(arguments.unwml or bench.programs.parent / "unwml" / "unwml")
     print_machine()
     report_decks(bench, unwml)
     report_tree(bench, unwml, arguments.files)

@@ -9,7 +9,7 @@
 
 #include "host/deck.h"
 #include "host/reader.h"
-#include "host/target.h"
+#include "host/writers/target.h"
 
 struct LinkList : vs_wml::BlockSink {
   void BeginCard(const vs_wml::Card &card) override { std::cout << "card " << card.title << '\n'; }

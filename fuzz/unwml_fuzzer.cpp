@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/adapter/wmlc.h"
+#include "host/wmlc/wmlc.h"
 #include "host/deck.h"
 #include "host/reader.h"
 #include "host/writer.h"

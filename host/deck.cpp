@@ -5,12 +5,12 @@
 #include <iterator>
 #include <utility>
 
-#include "host/adapter/deck_adapter.h"
-#include "host/adapter/url.h"
-#include "host/adapter/wmlc.h"
-#include "host/charset.h"
-#include "host/served_bytes.h"
-#include "host/utf8.h"
+#include "host/deck/deck_adapter.h"
+#include "host/platform/url.h"
+#include "host/wmlc/wmlc.h"
+#include "host/platform/charset.h"
+#include "host/serve/served_bytes.h"
+#include "host/text/utf8.h"
 #include "vs_wml.h"
 
 namespace vs_wml {

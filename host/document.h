@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/adapter/deck_parts.h"
+#include "host/deck/deck_parts.h"
 #include "host/images/picture_library.h"
 
 namespace vs_wml {

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "host/block_builder.h"
-#include "host/block_source.h"
-#include "host/stream.h"
+#include "host/blocks/block_builder.h"
+#include "host/blocks/block_source.h"
+#include "host/blocks/stream.h"
 
 namespace vs_wml {
 

@@ -8,7 +8,7 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "host/block_source.h"
+#include "host/blocks/block_source.h"
 #include "host/deck.h"
 #include "host/document.h"
 

@@ -9,7 +9,7 @@
 #include <memory>
 
 #include "host/document.h"
-#include "host/output.h"
+#include "host/text/output.h"
 
 namespace vs_wml {
 

@@ -9,7 +9,7 @@
 
 #include "elements/attribute_values.h"
 #include "filter/instance.h"
-#include "host/trace.h"
+#include "host/writers/trace.h"
 #include "input/charset.h"
 #include "lexer/name_lookup.h"
 #include "lexer/reference.h"

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <vector>
 
-#include "host/adapter/variables.h"
+#include "host/deck/variables.h"
 
 namespace vs_wml {
 namespace {

@@ -19,7 +19,7 @@ cmake --build --preset release -j "${JOBS:-2}"
 # trace MARKUP CALL: the call is among those that the markup leads to.
 trace() {
   printf '%b' "$1" >../deck.wml
-  build/release/cli/unwml --identity 1151 --to trace ../deck.wml >../trace
+  build/release/unwml/unwml --identity 1151 --to trace ../deck.wml >../trace
   if ! grep -qxF "$2" ../trace; then
     echo "no '$2' in:"
     cat ../trace
@@ -31,4 +31,4 @@ trace '<wml><card><center>x</center></card></wml>' 'SOSetProperty alignment cent
 trace '<wml><card><p>&smile;</p></card></wml>' 'SOEmitChar "\{263A}"'
 trace '<wml><head><meta http-equiv="content-type" content="charset=tis-620"/></head></wml>' \
   'SOSwitchCharset 0xA0B0100'
-build/release/cli/unwml --to links examples/decks/harbour.wml | grep -qx '#times	Departures'
+build/release/unwml/unwml --to links examples/decks/harbour.wml | grep -qx '#times	Departures'

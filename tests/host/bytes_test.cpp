@@ -7,11 +7,11 @@
 #include <string>
 #include <string_view>
 
-#include "host/adapter/markup_reader.h"
-#include "host/adapter/plain_text.h"
-#include "host/byte_scan.h"
-#include "host/text_buffer.h"
-#include "host/utf8.h"
+#include "host/deck/markup_reader.h"
+#include "host/text/plain_text.h"
+#include "host/text/byte_scan.h"
+#include "host/text/text_buffer.h"
+#include "host/text/utf8.h"
 
 namespace vs_wml {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-#include "host/charset.h"
+#include "host/platform/charset.h"
 #include "recorder.h"
 
 namespace vs_wml::test {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/adapter/wmlc.h"
+#include "host/wmlc/wmlc.h"
 #include "recorder.h"
 
 namespace vs_wml::test {

@@ -9,7 +9,7 @@
 
 #include "host/deck.h"
 #include "host/images/picture_library.h"
-#include "host/output.h"
+#include "host/text/output.h"
 #include "host/reader.h"
 #include "host/writer.h"
 

@@ -8,9 +8,9 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/block_source.h"
-#include "host/output.h"
-#include "host/stream.h"
+#include "host/blocks/block_source.h"
+#include "host/text/output.h"
+#include "host/blocks/stream.h"
 #include "host/writer.h"
 #include "recorder.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "host/served_bytes.h"
+#include "host/serve/served_bytes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Tags that are looked for backwards from their end, and their attributes.
-#include "host/source_tag.h"
+#include "host/blocks/source_tag.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Equal traces mean equal calls: whatever differs in a call is seen in its line.
-#include "host/trace.h"
+#include "host/writers/trace.h"
 
 #include <gtest/gtest.h>
 

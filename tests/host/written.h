@@ -8,7 +8,7 @@
 #include <string>
 
 #include "host/deck.h"
-#include "host/output.h"
+#include "host/text/output.h"
 #include "host/reader.h"
 #include "host/writer.h"
 

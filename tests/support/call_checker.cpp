@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/call_checker.h"
 
-#include "host/trace.h"
+#include "host/writers/trace.h"
 
 namespace vs_wml::test {
 

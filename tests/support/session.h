@@ -11,7 +11,7 @@
 #include <sstream>
 #include <string>
 
-#include "host/trace.h"
+#include "host/writers/trace.h"
 #include "tests/support/block_source.h"
 #include "tests/support/call_checker.h"
 #include "vs_wml.h"

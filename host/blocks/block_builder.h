@@ -1,0 +1,162 @@
+/// \file
+/// Turns the filter's calls into blocks.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_BLOCKS_BLOCK_BUILDER_H
+#define VS_WML_HOST_BLOCKS_BLOCK_BUILDER_H
+
+#include <array>
+#include <cstdint>
+#include <exception>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/deck.h"
+#include "host/document.h"
+#include "host/blocks/stream.h"
+#include "host/text/text_buffer.h"
+
+namespace vs_wml {
+
+/// Collects one block at a time from the output routines and hands it to a sink. One
+/// builder reads one document; its buffers grow to the largest block and no further.
+///
+/// The routines run inside the filter, which exceptions must not cross: one that the
+/// sink throws is kept, the reading is stopped at the next break, and Finish throws it.
+class BlockBuilder {
+ public:
+  /// Both have to outlive the builder.
+  BlockBuilder(const Deck &deck, BlockSink &sink);
+
+  /// The routines to open the stream with, and the builder's address as user word.
+  std::span<const OutputRoutine> Routines() const;
+  /// The stream that the routines are called from; to be set before it reads.
+  void Attach(const Stream &stream) { stream_ = &stream; }
+
+  /// Whether nothing more is to be read: the document or the sink has ended it.
+  bool Done() const { return documentEnded_ || failure_ != nullptr; }
+  /// Whether the filter gave the stream up for want of memory.
+  bool Aborted() const { return aborted_; }
+  /// Throws what the sink has thrown.
+  void Finish();
+
+ private:
+  struct Routines_;  // the output routines, which call the members below
+  friend struct Routines_;
+
+  struct Reference {
+    std::uint32_t id = 0;
+    std::string target;
+  };
+
+  [[gnu::noinline]] void EmitOther(std::uint32_t unit);
+  void EmitCoded(std::uint32_t code);
+  void SwitchCharset(std::uint32_t hostCharset);
+  void AppendCharacter(char32_t character);
+  void FlushCoded();
+  void FlushSurrogate();
+  void FlushCharacters();
+
+  bool TakesBytes() const;
+  void CloseRun();
+  [[gnu::noinline]] void RepairRun();
+  bool IsWellFormed(std::string_view text) const;
+  void SetStyle(const TextStyle &style);
+  void StartContent();
+  Content CurrentContent() const;
+
+  void ControlCode(std::uint32_t code);
+  std::uint32_t Break(std::uint32_t kind);
+  void EndLine();
+  void EndParagraph();
+  void TellParagraph(const Content &content);
+  void TrimEnd();
+  void EndCell();
+  void EndRow();
+  void EndDocument();
+  void StartCard();
+  void TakeCardParts();
+  void TellCard();
+  void LeaveCard();
+  void OpenTable();
+  void CloseTable();
+  void ScaleColumns();
+  void SetAlignment(std::uint32_t code);
+  void Property(std::uint32_t code, std::uint32_t a, std::uint32_t b);
+  std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t length);
+  std::uint32_t OpenReference();
+  void OpenLink(std::uint32_t number, const VwLinkRecord &record);
+  void TakeLinkParts(Link &link);
+  void CloseLink();
+  void InsertGraphic(const GraphicRecord &graphic);
+  void TakeImageParts(Image &image) const;
+  std::string AttributeText(std::uint32_t index) const;
+  std::string TextOfBytes(const std::string &bytes) const;
+  std::string WholeValue(std::string value, std::string_view tag, std::string_view attribute) const;
+
+  const Deck &deck_;
+  BlockSink &sink_;
+  const Stream *stream_ = nullptr;
+  std::exception_ptr failure_;
+  bool documentEnded_ = false;
+  bool aborted_ = false;
+
+  // Characters.
+  std::uint32_t charset_ = HOST_CS_UNICODE;
+  std::string coded_;           ///< codes not yet converted, of documents served untouched
+  char32_t highSurrogate_ = 0;  ///< waiting for its other half, 0: none
+  // Units from 0x20 on, so many, are stored as they are.
+  static constexpr std::uint32_t kBelowDel = 0x7F - 0x20;
+  static constexpr std::uint32_t kAdaptedBytes = 0x100 - 0x20;  // the adapter serves no DEL
+  std::uint32_t storedUnits_ = kBelowDel;
+
+  // The block.
+  TextBuffer text_;
+  std::vector<Run> runs_;
+  std::vector<Link> links_;
+  std::vector<Image> images_;
+  std::size_t runStart_ = 0;
+  TextStyle style_;
+  std::uint32_t link_ = kNone;  ///< the open link, named again in every block it goes on in
+  Alignment alignment_ = Alignment::kLeft;
+  bool preformatted_ = false;
+  bool newParagraph_ = true;    ///< the next line starts a paragraph
+  std::size_t emptyLines_ = 0;  ///< lines not told yet: none are at the end of a paragraph
+
+  // What links and pictures stand for.
+  const Action *linkAction_ = nullptr;  ///< of the last link of the card
+  std::uint32_t linkNumber_ = 0;        ///< of the last link, in adapted documents
+  std::size_t nextCard_ = 0;            ///< of the adapted document
+  PictureLibrary pictures_;
+
+  // The table, while inTable_.
+  bool inTable_ = false;
+  std::string tableTitle_;
+  std::uint32_t cellStart_ = 0;
+  std::uint32_t rowStart_ = 0;
+  std::vector<Cell> cells_;
+  std::vector<Row> rows_;
+  std::vector<std::uint32_t> columnWidths_;
+  std::vector<Alignment> columnAlignments_;
+  std::uint32_t describedColumn_ = 0;
+  Alignment tableAlignment_ = Alignment::kLeft;
+
+  // The card.
+  Card card_;
+  std::uint32_t cardOffset_ = 0;  ///< right behind its tag
+  bool cardStarting_ = false;     ///< the sink has not been told of it yet
+  bool cardOpen_ = false;
+  bool cardSeparated_ = true;  ///< the next colour comes from a card's start
+
+  // The last strings that the filter stored, which uses them at once. An image takes three
+  // at most: two of its own and a link's title.
+  static constexpr std::uint32_t kKeptStrings = 4;
+  std::array<std::string, kKeptStrings> strings_;
+  std::uint32_t storedStrings_ = 0;  ///< the next one's index
+  Reference reference_;
+};
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_BLOCKS_BLOCK_BUILDER_H

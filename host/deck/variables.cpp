@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "host/deck/variables.h"
+
+#include <algorithm>
+
+#include "host/text/ascii.h"
+#include "host/text/utf8.h"
+
+namespace vs_wml {
+namespace {
+
+constexpr bool IsNameStart(char c) {
+  return IsLetter(c) || c == '_';
+}
+constexpr bool IsNameCharacter(char c) {
+  return IsNameStart(c) || IsDigit(c);
+}
+
+std::size_t NameLength(std::string_view text) {
+  if (text.empty() || !IsNameStart(text[0])) return 0;
+  const auto end = std::find_if_not(text.begin(), text.end(), IsNameCharacter);
+  return static_cast<std::size_t>(end - text.begin());
+}
+
+struct ConversionName {
+  std::string_view name;
+  Conversion conversion;
+};
+
+constexpr ConversionName kConversions[] = {
+    {"e", Conversion::kEscape},   {"escape", Conversion::kEscape},
+    {"u", Conversion::kUnescape}, {"unesc", Conversion::kUnescape},
+    {"n", Conversion::kVerbatim}, {"noesc", Conversion::kVerbatim}};
+
+constexpr std::size_t kLongestConversion = 6;
+
+// `(name)` or `(name:conversion)`.
+VariableReference ReadBracketed(std::string_view text) {
+  VariableReference reference;
+  const std::size_t length = NameLength(text.substr(2));
+  if (length == 0) return {};
+  reference.name = text.substr(2, length);
+  std::size_t at = 2 + length;
+  if (at < text.size() && text[at] == ':') {
+    const std::string_view rest = text.substr(at + 1, kLongestConversion + 1);
+    const std::string_view word = rest.substr(0, rest.find(')'));
+    for (const ConversionName &entry : kConversions) {
+      if (EqualIgnoringCase(entry.name, word)) reference.conversion = entry.conversion;
+    }
+    if (reference.conversion == Conversion::kDefault) return {};
+    at += 1 + word.size();
+  }
+  if (at >= text.size() || text[at] != ')') return {};
+  reference.length = at + 1;
+  return reference;
+}
+
+int HexValue(char c) {
+  if (IsDigit(c)) return c - '0';
+  return IsHexDigit(c) ? ToLower(c) - 'a' + 10 : -1;
+}
+
+bool HasControls(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    if (IsControl(NextCharacter(text, at))) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+VariableReference ReadVariable(std::string_view text) {
+  if (text.size() < 2) return {};
+  if (text[1] == '$') return {.name = {}, .conversion = Conversion::kDefault, .length = 2};
+  if (text[1] == '(') return ReadBracketed(text);
+  const std::size_t length = NameLength(text.substr(1));
+  if (length == 0) return {};
+  return {text.substr(1, length), Conversion::kDefault, 1 + length};
+}
+
+bool IsVariableName(std::string_view name) {
+  return !name.empty() && NameLength(name) == name.size();
+}
+
+std::string PercentEncode(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char c : text) {
+    if (IsLetter(c) || IsDigit(c) || std::string_view("-._~").find(c) != std::string_view::npos) {
+      encoded += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    encoded += '%';
+    encoded += kDigits[byte >> 4U];
+    encoded += kDigits[byte & 15U];
+  }
+  return encoded;
+}
+
+std::string PercentDecode(std::string_view text) {
+  std::string decoded;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const int high = at + 2 < text.size() && text[at] == '%' ? HexValue(text[at + 1]) : -1;
+    const int low = high >= 0 ? HexValue(text[at + 2]) : -1;
+    if (low < 0) {
+      decoded += text[at];
+      continue;
+    }
+    decoded += static_cast<char>(high * 16 + low);
+    at += 2;
+  }
+  if (!IsValidUtf8(decoded) || HasControls(decoded)) return std::string(text);
+  return decoded;
+}
+
+Variables::Variables(const std::map<std::string, std::string> &given) {
+  for (const auto &[name, text] : given) {
+    values_[name] = {text, true, text.size() > kLongestValue};
+  }
+}
+
+void Variables::Suggest(const std::string &name, const std::string &value) {
+  if (!IsVariableName(name) || value.empty()) return;
+  const auto [entry, added] = values_.try_emplace(name);
+  Value &known = entry->second;
+  if (known.given) return;
+  if (added && value.size() <= kLongestValue) {
+    known.text = value;
+  } else if (known.text != value) {
+    known.ambiguous = true;
+  }
+}
+
+const std::string *Variables::Find(std::string_view name) const {
+  const auto found = values_.find(name);
+  return found == values_.end() || found->second.ambiguous ? nullptr : &found->second.text;
+}
+
+std::string Variables::Show(const VariableReference &reference, Conversion usual) const {
+  const std::string *value = Find(reference.name);
+  if (value == nullptr) return "{" + std::string(reference.name) + "}";
+  switch (reference.conversion == Conversion::kDefault ? usual : reference.conversion) {
+    case Conversion::kEscape:
+      return PercentEncode(*value);
+    case Conversion::kUnescape:
+      return PercentDecode(*value);
+    default:
+      return *value;
+  }
+}
+
+std::string Variables::Substitute(std::string_view text, Conversion usual,
+                                  std::size_t &budget) const {
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t dollar = std::min(text.find('$', at), text.size());
+    result += text.substr(at, dollar - at);
+    at = dollar;
+    if (at == text.size()) break;
+    const VariableReference reference = ReadVariable(text.substr(at));
+    if (reference.name.empty()) {
+      result += '$';
+      at += std::max<std::size_t>(reference.length, 1);
+      continue;
+    }
+    std::string shown = Show(reference, usual);
+    if (shown.size() > budget + reference.length + 2) {
+      shown = "{" + std::string(reference.name) + "}";
+    }
+    budget -= std::min(budget, shown.size());
+    result += shown;
+    at += reference.length;
+  }
+  return result;
+}
+
+}  // namespace vs_wml

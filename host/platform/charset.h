@@ -1,0 +1,49 @@
+/// \file
+/// The character set of a document: finding it, and turning bytes into UTF-8.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_PLATFORM_CHARSET_H
+#define VS_WML_HOST_PLATFORM_CHARSET_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/document.h"
+
+namespace vs_wml {
+
+/// A character set and how it was learnt.
+struct DetectedCharset {
+  std::string name;
+  CharsetOrigin origin = CharsetOrigin::kFallback;
+  std::size_t markLength = 0;  ///< bytes of the byte-order mark to skip
+};
+
+/// Whether a name is known. Names follow the web: "iso-8859-1" means windows-1252,
+/// "gb2312" means GB 18030 and so on, the supersets that documents are written in.
+bool IsKnownCharset(std::string_view name);
+
+/// Whether HTTP headers were saved with a document, in front of it.
+bool HasSavedHeaders(std::string_view document);
+
+/// Finds the character set of `bytes`: `option` when it is not empty, else byte-order
+/// mark, XML declaration, meta element, HTTP header saved with the document, well-formed
+/// UTF-8, a statistical detector, windows-1252. A declared name that is unknown or impossible
+/// becomes a warning.
+DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
+                              std::vector<std::string> &warnings);
+
+/// The bytes as UTF-8; what they do not encode becomes U+FFFD. `bytes` is moved from
+/// when it is UTF-8 already.
+std::string ToUtf8(std::string bytes, std::string_view charset);
+
+/// Appends `bytes`, which are in one of the filter's host character sets (HOST_CS_),
+/// to `text` as UTF-8.
+void AppendHostCharset(std::string &text, std::string_view bytes, std::uint32_t hostCharset);
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_PLATFORM_CHARSET_H

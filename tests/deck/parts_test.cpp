@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+//
+// The actions and fields of a deck: what they are called, which count, where they belong.
+#include "host/deck/deck_parts.h"
+
+#include <gtest/gtest.h>
+
+#include "host/deck/deck_adapter.h"
+
+namespace vs_wml {
+namespace {
+
+// The actions of each card, "label>target" (or the kind of task), cards ended by '/'.
+std::string Actions(const AdaptedDeck &deck) {
+  constexpr const char *kTasks[] = {"(unset)", "", "(prev)", "(refresh)", "(noop)"};
+  std::string log;
+  for (const DeckCard &card : deck.parts.cards) {
+    for (const std::size_t index : card.actions) {
+      const Action &action = deck.parts.actions[index];
+      log += ActionLabel(action) + '>' + kTasks[static_cast<std::size_t>(action.task.kind)] +
+             action.task.target + ' ';
+    }
+    log += '/';
+  }
+  return log;
+}
+
+TEST(Parts, ActionsBelongToCardsAndShadowThoseOfTheTemplate) {
+  const struct {
+    const char *content;
+    const char *actions;
+  } cases[] = {
+      {"<card/><card/>", "//"},
+      {"<card><do type='accept'><go href='x'/></do></card><card/>", "OK>x //"},
+      {"<template><do type='prev'><prev/></do></template><card/><card/>",
+       "Back>(prev) /Back>(prev) /"},
+      // By its name, else by its type.
+      {"<template><do type='prev'><prev/></do></template><card><do type='prev'><noop/></do></card>",
+       "Back>(noop) /"},
+      {"<template><do type='prev'><prev/></do></template><card><do type='help'><noop/></do></card>",
+       "Help>(noop) Back>(prev) /"},
+      {"<template><do type='a' name='n'><prev/></do></template><card><do type='b' name='n'><noop/>"
+       "</do></card>",
+       "b>(noop) /"},
+      {"<template><do type='a' name='n'><prev/></do></template><card><do type='n'><noop/></do>"
+       "</card>",
+       "n>(noop) /"},
+      {"<template><do type='a' name='n'><prev/></do></template><card><do type='a'><noop/></do>"
+       "</card>",
+       "a>(noop) a>(prev) /"},
+      // Events by their type, and never a `do` of that name.
+      {"<template onenterforward='t'/><card onenterforward='c'/><card/>",
+       "On entry>c /On entry>t /"},
+      {"<template><onevent type='onenterbackward'><go href='t'/></onevent></template>"
+       "<card onenterbackward='c'/>",
+       "On return>c /"},
+      {"<template onenterforward='t'/><card><do type='onenterforward'><noop/></do></card>",
+       "onenterforward>(noop) On entry>t /"},
+      {"<template onenterforward='f' onenterbackward='b' ontimer='t'/><card/>",
+       "On entry>f On return>b On timer>t /"},
+      {"<card ontimer='t'><timer value='25'/></card><card ontimer='u'/>",
+       "After 2.5 s>t /On timer>u /"},
+      {"<card><onevent type='ontimer'><refresh/></onevent><timer value='30'/></card>",
+       "After 3 s>(refresh) /"},
+      // The first task counts, and tasks outside of actions do not.
+      {"<card><do type='x'><go href='1'/><go href='2'/><prev/></do></card>", "x>1 /"},
+      {"<card><do type='x'/><go href='1'/></card>", "x>(unset) /"},
+      {"<card><go href='1'/><do type='x'></do></card>", "x>(unset) /"},
+      {"<card><do type='x'></card><card><go href='1'/></card>", "x>(unset) //"},
+      {"<card><do type=' Accept '><go href=' x '/></do></card>", "OK>x /"},
+  };
+  for (const auto &item : cases) {
+    EXPECT_EQ(Actions(AdaptDeck("<wml>" + std::string(item.content) + "</wml>")), item.actions)
+        << item.content;
+  }
+}
+
+TEST(Parts, TasksHoldTheirFieldsAndVariables) {
+  const AdaptedDeck deck = AdaptDeck(
+      "<wml><card><postfield name='lost' value='1'/><setvar name='set' value='1'/>"
+      "<do type='a'><go href='x' method='POST' enctype='multipart/form-data'>"
+      "<postfield name='p' value='1'/><setvar name='v' value='2'/></go>"
+      "<go href='y'><postfield name='second' value='1'/></go></do>"
+      "<postfield name='behind' value='1'/></card></wml>");
+  ASSERT_EQ(deck.parts.actions.size(), 1U);
+  const Task &task = deck.parts.actions[0].task;
+  EXPECT_EQ(task.method, "post");
+  EXPECT_TRUE(task.multipart);
+  ASSERT_EQ(task.postFields.size(), 1U);
+  EXPECT_EQ(task.postFields[0].name, "p");
+  ASSERT_EQ(task.variables.size(), 1U);
+  EXPECT_EQ(task.variables[0].name, "v");
+  EXPECT_EQ(deck.warnings.size(), 1U) << "more than one task";
+}
+
+TEST(Parts, ActionsAreCalledByWhatTheyHave) {
+  const auto label = [](ActionKind kind, const char *text, const char *title, const char *type,
+                        const char *name, const char *target) {
+    Action action;
+    action.kind = kind;
+    action.names = std::make_unique<ActionNames>(ActionNames{type, name, text});
+    action.title = title;
+    action.task.target = target;
+    return ActionLabel(action);
+  };
+  constexpr ActionKind kDo = ActionKind::kDo;
+  EXPECT_EQ(label(kDo, "label", "title", "help", "name", "target"), "label");
+  EXPECT_EQ(label(kDo, "", "title", "help", "name", "target"), "title");
+  EXPECT_EQ(label(kDo, "", "", "help", "name", "target"), "Help");
+  EXPECT_EQ(label(kDo, "", "", "x-own", "name", "target"), "x-own");
+  EXPECT_EQ(label(kDo, "", "", "unknown", "name", "target"), "name");
+  EXPECT_EQ(label(kDo, "", "", "", "", "target"), "target");
+  EXPECT_EQ(label(kDo, "", "", "", "", ""), "OK");
+  EXPECT_EQ(ActionLabel({}), "OK") << "no names at all";
+  EXPECT_EQ(label(ActionKind::kEvent, "", "title", "own", "name", "target"), "own");
+  for (const char *type : {"accept", "prev", "help", "reset", "options", "delete"}) {
+    EXPECT_NE(UsualActionName(type), nullptr) << type;
+  }
+}
+
+// What a card shows of its first field.
+std::string FieldOf(const std::string &content) {
+  const AdaptedDeck deck = AdaptDeck("<wml><card>" + content + "</card></wml>");
+  return deck.parts.fields.empty() ? "(none)" : FieldText(deck.parts.fields[0]);
+}
+
+TEST(Parts, SelectsHaveTheirDefault) {
+  const std::string options =
+      "<option value='a'>A</option><option value='b'>B</option><option value='c'>C</option>";
+  const struct {
+    const char *attributes;
+    const char *text;
+  } cases[] = {
+      {"", "[s: (*) A ( ) B ( ) C]"},
+      {"value='b'", "[s: ( ) A (*) B ( ) C]"},
+      {"value=' c ; b '", "[s: ( ) A (*) B ( ) C]"},
+      {"value='x'", "[s: (*) A ( ) B ( ) C]"},
+      {"value=''", "[s: (*) A ( ) B ( ) C]"},
+      {"ivalue='3'", "[s: ( ) A ( ) B (*) C]"},
+      {"ivalue='3' value='b'", "[s: ( ) A ( ) B (*) C]"},
+      {"ivalue='4' value='b'", "[s: ( ) A (*) B ( ) C]"},
+      {"ivalue='0' value='b'", "[s: ( ) A (*) B ( ) C]"},
+      {"ivalue='3;2'", "[s: ( ) A (*) B ( ) C]"},
+      {"multiple='true'", "[s: [ ] A [ ] B [ ] C]"},
+      {"multiple='true' value='c;a'", "[s: [x] A [ ] B [x] C]"},
+      {"multiple='true' ivalue='2; 3;9;x'", "[s: [ ] A [x] B [x] C]"},
+      {"multiple='TRUE' ivalue='1' value='b'", "[s: [x] A [ ] B [ ] C]"},
+      {"multiple='no'", "[s: (*) A ( ) B ( ) C]"},
+      {"title='T'", "[T: (*) A ( ) B ( ) C]"},
+  };
+  for (const auto &item : cases) {
+    EXPECT_EQ(
+        FieldOf(std::string("<select name='s' ") + item.attributes + ">" + options + "</select>"),
+        item.text)
+        << item.attributes;
+  }
+}
+
+TEST(Parts, FieldsAreShown) {
+  const struct {
+    const char *content;
+    const char *text;
+  } cases[] = {
+      {"<select iname='i'><option>A</select>", "[i: (*) A]"},
+      {"<select name='s' iname='i'></select>", "[s:]"},
+      {"<select name='s'><option> A\n B </option></select>", "[s: (*) A B]"},
+      {"<select name='s'><option title='T' value='v'> </option><option value='v'/></select>",
+       "[s: (*) T ( ) v]"},
+      {"<select name='s'><option value=''/><option/></select>", "[s: (*)  ( ) ]"},
+      {"<select name='s'><optgroup title='G'><option>A<option>B<optgroup title='H'><option>C"
+       "</optgroup><option>D</optgroup><option>E</select>",
+       "[s: G: (*) A ( ) B H: ( ) C G: ( ) D ( ) E]"},
+      {"<select name='s'><optgroup title='G'><option>A</optgroup>x<option>B</select>",
+       "[s: G: (*) A ( ) B]"},
+      {"<input name='n'/>", "[n: ____]"},
+      {"<input name='n' title='T' value='v'/>", "[T: v]"},
+      {"<input value='v'/>", "[v]"},
+      {"<input/>", "[: ____]"},
+      {"<input name='n' type='Password' value='v'/>", "[n: ****]"},
+      {"<input type='password' value='v'/>", "[****]"},
+      {"<input type='password'/>", "[: ____]"},
+      {"<option>A</option>", "(none)"},
+  };
+  for (const auto &item : cases) EXPECT_EQ(FieldOf(item.content), item.text) << item.content;
+}
+
+TEST(Parts, InputsSayWhatTheyTake) {
+  const auto field = [](const std::string &attributes) {
+    return AdaptDeck("<wml><card><input " + attributes + "/></card></wml>").parts.fields.at(0);
+  };
+  EXPECT_TRUE(field("").emptyAllowed);
+  EXPECT_EQ(field("").type, "text");
+  EXPECT_EQ(field("").fieldset, kNoIndex);
+  EXPECT_FALSE(field("format='N'").emptyAllowed);
+  EXPECT_TRUE(field("format='N' emptyok='true'").emptyAllowed);
+  EXPECT_FALSE(field("emptyok='false'").emptyAllowed);
+  const DeckParts parts =
+      AdaptDeck(
+          "<wml><card><fieldset title='F'><input name='a'/><fieldset title='G'><input name='b'/>"
+          "</fieldset><input name='c'/></fieldset><input name='d'/><fieldset title='H'></card>"
+          "<card><input name='e'/></card></wml>")
+          .parts;
+  ASSERT_EQ(parts.fields.size(), 5U);
+  std::string titles;
+  for (const Field &input : parts.fields) {
+    titles += input.name + (input.fieldset == kNoIndex ? "-" : parts.fieldsets[input.fieldset]);
+  }
+  EXPECT_EQ(titles, "aFbGcFd-e-");
+  EXPECT_EQ(parts.cards[0].fields.size(), 4U);
+  EXPECT_EQ(parts.cards[1].fields, std::vector<std::size_t>{4});
+}
+
+}  // namespace
+}  // namespace vs_wml
