@@ -12,11 +12,11 @@
 #include <string_view>
 
 #include "host/deck/deck_adapter.h"
-#include "host/serve/served_writer.h"
-#include "host/wmlc/wmlc.h"
 #include "host/images/picture_formats.h"
 #include "host/images/wbmp.h"
+#include "host/serve/served_writer.h"
 #include "host/text/utf8.h"
+#include "host/wmlc/wmlc.h"
 
 namespace {
 

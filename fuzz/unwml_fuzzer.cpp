@@ -15,9 +15,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/wmlc/wmlc.h"
 #include "host/deck.h"
 #include "host/reader.h"
+#include "host/wmlc/wmlc.h"
 #include "host/writer.h"
 
 namespace {

@@ -6,11 +6,11 @@
 #include <utility>
 
 #include "host/deck/deck_adapter.h"
-#include "host/platform/url.h"
-#include "host/wmlc/wmlc.h"
 #include "host/platform/charset.h"
+#include "host/platform/url.h"
 #include "host/serve/served_bytes.h"
 #include "host/text/utf8.h"
+#include "host/wmlc/wmlc.h"
 #include "vs_wml.h"
 
 namespace vs_wml {

@@ -16,9 +16,9 @@
 #include <string_view>
 
 #include "files.h"
-#include "host/platform/url.h"
 #include "host/deck/variables.h"
 #include "host/platform/charset.h"
+#include "host/platform/url.h"
 #include "host/text/utf8.h"
 #include "manual.h"
 #include "option_table.h"

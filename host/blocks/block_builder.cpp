@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/serve/served_writer.h"
+#include "host/blocks/source_tag.h"
 #include "host/platform/charset.h"
 #include "host/serve/served_bytes.h"
-#include "host/blocks/source_tag.h"
+#include "host/serve/served_writer.h"
 #include "host/text/utf8.h"
 
 namespace vs_wml {

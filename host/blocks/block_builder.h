@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "host/blocks/stream.h"
 #include "host/deck.h"
 #include "host/document.h"
-#include "host/blocks/stream.h"
 #include "host/text/text_buffer.h"
 
 namespace vs_wml {

@@ -7,18 +7,18 @@
 #include <utility>
 
 #include "host/deck/action_collector.h"
-#include "host/text/ascii.h"
 #include "host/deck/deck_survey.h"
 #include "host/deck/field_collector.h"
 #include "host/deck/markup_reader.h"
-#include "host/text/plain_text.h"
 #include "host/deck/references.h"
-#include "host/serve/served_writer.h"
 #include "host/deck/value_reader.h"
 #include "host/deck/variables.h"
-#include "host/text/warnings.h"
 #include "host/platform/charset.h"
+#include "host/serve/served_writer.h"
+#include "host/text/ascii.h"
+#include "host/text/plain_text.h"
 #include "host/text/utf8.h"
+#include "host/text/warnings.h"
 
 namespace vs_wml {
 namespace {

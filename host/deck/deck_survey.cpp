@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/text/ascii.h"
 #include "host/deck/markup_reader.h"
 #include "host/deck/references.h"
+#include "host/text/ascii.h"
 
 namespace vs_wml {
 namespace {

@@ -5,8 +5,8 @@
 #include <set>
 #include <utility>
 
-#include "host/text/ascii.h"
 #include "host/deck/references.h"
+#include "host/text/ascii.h"
 
 namespace vs_wml {
 namespace {

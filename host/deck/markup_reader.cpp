@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "host/text/ascii.h"
-#include "host/text/plain_text.h"
 #include "host/text/byte_scan.h"
+#include "host/text/plain_text.h"
 
 namespace vs_wml {
 namespace {

@@ -6,8 +6,8 @@
 #include <unordered_set>
 #include <utility>
 
-#include "host/writers/target.h"
 #include "host/writer.h"
+#include "host/writers/target.h"
 
 namespace vs_wml {
 namespace {

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <string>
 
-#include "host/writers/target.h"
 #include "host/text/utf8.h"
 #include "host/writer.h"
+#include "host/writers/target.h"
 
 namespace vs_wml {
 namespace {

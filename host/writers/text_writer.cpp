@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "host/images/picture_formats.h"
-#include "host/writers/target.h"
-#include "host/writers/text_layout.h"
 #include "host/text/utf8.h"
 #include "host/writer.h"
+#include "host/writers/target.h"
+#include "host/writers/text_layout.h"
 
 namespace vs_wml {
 namespace {

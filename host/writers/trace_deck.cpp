@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/blocks/block_source.h"
-#include "host/reader.h"
 #include "host/blocks/stream.h"
+#include "host/reader.h"
 #include "host/writers/trace.h"
 
 namespace vs_wml {

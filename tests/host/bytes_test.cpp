@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "host/deck/markup_reader.h"
-#include "host/text/plain_text.h"
 #include "host/text/byte_scan.h"
+#include "host/text/plain_text.h"
 #include "host/text/text_buffer.h"
 #include "host/text/utf8.h"
 

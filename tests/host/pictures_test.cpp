@@ -9,8 +9,8 @@
 
 #include "host/deck.h"
 #include "host/images/picture_library.h"
-#include "host/text/output.h"
 #include "host/reader.h"
+#include "host/text/output.h"
 #include "host/writer.h"
 
 namespace vs_wml::test {

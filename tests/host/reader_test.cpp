@@ -9,8 +9,8 @@
 #include <stdexcept>
 
 #include "host/blocks/block_source.h"
-#include "host/text/output.h"
 #include "host/blocks/stream.h"
+#include "host/text/output.h"
 #include "host/writer.h"
 #include "recorder.h"
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "host/text/utf8.h"
 #include "host/writers/target.h"
 #include "host/writers/text_layout.h"
-#include "host/text/utf8.h"
 
 namespace vs_wml {
 namespace {

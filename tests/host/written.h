@@ -8,8 +8,8 @@
 #include <string>
 
 #include "host/deck.h"
-#include "host/text/output.h"
 #include "host/reader.h"
+#include "host/text/output.h"
 #include "host/writer.h"
 
 namespace vs_wml::test {
