@@ -5,14 +5,14 @@
 #include <vector>
 
 #include "deck.h"
-#include "filter/instance.h"
-#include "format/style.h"
-#include "input/decoder.h"
-#include "lexer/item_reader.h"
-#include "lexer/name_lookup.h"
+#include "filter/data/name_lookup.h"
+#include "filter/format/style.h"
+#include "filter/ground/heap.h"
+#include "filter/ground/instance.h"
+#include "filter/input/decoder.h"
+#include "filter/lexer/item_reader.h"
+#include "filter/tables/table_scan.h"
 #include "memory_block.h"
-#include "support/heap.h"
-#include "tables/table_scan.h"
 
 namespace {
 

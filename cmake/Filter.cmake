@@ -1,32 +1,32 @@
-# The filter library: one folder a subsystem.
+# The filter library: one folder a room.
 set(VS_WML_SOURCES
-    data/vsd_wml.cpp
-    elements/anchor.cpp
-    elements/attribute_values.cpp
-    elements/image.cpp
-    elements/paragraph.cpp
-    elements/tag_processing.cpp
-    filter/instance.cpp
-    filter/read_loop.cpp
-    filter/stream.cpp
-    filter/text_run.cpp
-    format/style.cpp
-    format/tag_stack.cpp
-    format/typeface.cpp
-    input/char_buffer.cpp
-    input/charset.cpp
-    input/decoder.cpp
-    lexer/item_reader.cpp
-    lexer/name_lookup.cpp
-    lexer/reference.cpp
-    lexer/tag_reader.cpp
-    lexer/tag_scan.cpp
-    lexer/word_reader.cpp
-    support/heap.cpp
-    tables/cell_widths.cpp
-    tables/column_widths.cpp
-    tables/table_output.cpp
-    tables/table_scan.cpp)
+    filter/attributes/attribute_values.cpp
+    filter/data/name_lookup.cpp
+    filter/data/vsd_wml.cpp
+    filter/elements/anchor.cpp
+    filter/elements/image.cpp
+    filter/elements/tag_processing.cpp
+    filter/entry/instance.cpp
+    filter/entry/read_loop.cpp
+    filter/entry/stream.cpp
+    filter/format/style.cpp
+    filter/format/tag_stack.cpp
+    filter/format/typeface.cpp
+    filter/ground/char_buffer.cpp
+    filter/ground/heap.cpp
+    filter/input/charset.cpp
+    filter/input/decoder.cpp
+    filter/lexer/item_reader.cpp
+    filter/lexer/reference.cpp
+    filter/lexer/tag_reader.cpp
+    filter/lexer/tag_scan.cpp
+    filter/lexer/word_reader.cpp
+    filter/tables/cell_widths.cpp
+    filter/tables/column_widths.cpp
+    filter/tables/table_output.cpp
+    filter/tables/table_scan.cpp
+    filter/text/paragraph.cpp
+    filter/text/text_run.cpp)
 
 function(vs_wml_filter_code target)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})

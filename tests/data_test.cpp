@@ -7,13 +7,13 @@
 #include <set>
 #include <string>
 
-#include "elements/attribute_values.h"
-#include "filter/instance.h"
+#include "filter/attributes/attribute_values.h"
+#include "filter/data/name_lookup.h"
+#include "filter/ground/instance.h"
+#include "filter/input/charset.h"
+#include "filter/lexer/reference.h"
+#include "filter/tables/column_widths.h"
 #include "host/writers/trace.h"
-#include "input/charset.h"
-#include "lexer/name_lookup.h"
-#include "lexer/reference.h"
-#include "tables/column_widths.h"
 
 namespace vs_wml::test {
 namespace {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "filter/instance.h"
+#include "filter/ground/instance.h"
 #include "tests/support/heap_probe.h"
 #include "tests/support/session.h"
 

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "filter/instance.h"
+#include "filter/ground/instance.h"
 #include "tests/support/session.h"
 
 namespace vs_wml::test {

@@ -1,0 +1,178 @@
+#include "filter/lexer/reference.h"
+
+#include <cstring>
+
+#include "filter/data/name_lookup.h"
+#include "filter/input/decoder.h"
+#include "filter/lexer/name_key.h"
+
+namespace {
+
+constexpr int kEntityNameMax = 8;
+
+// The source text of a reference; bytes beyond its size are dropped.
+struct SourceText {
+  char *bytes;
+  uint16_t size;
+  uint16_t length;
+};
+
+bool Append(uint16_t c, SourceText *text) {
+  if (text->length >= text->size) return false;
+  text->bytes[text->length++] = static_cast<char>(c);
+  return true;
+}
+
+// References that are complete with their last letter, whatever follows.
+uint16_t ShortName(const char *name, int length) {
+  switch (length) {
+    case 2:
+      if (std::memcmp(name, "lt", 2) == 0) return '<';
+      if (std::memcmp(name, "gt", 2) == 0) return '>';
+      return 0;
+    case 3:
+      return std::memcmp(name, "amp", 3) == 0 ? '&' : 0;
+    case 4:
+      if (std::memcmp(name, "quot", 4) == 0) return '"';
+      if (std::memcmp(name, "apos", 4) == 0) return '\'';
+      return 0;
+    default:
+      return 0;
+  }
+}
+
+void TakeSemicolon(SourceText *text, WmlProc *proc) {
+  const uint16_t c = WMLGetChar(proc);
+  if (c == ';') {
+    Append(c, text);
+  } else if (c != CHAR_END) {
+    PushBack(1, proc);
+  }
+}
+
+// The tests are on the low byte, so that half of a two-byte code ends a name too.
+bool EndsEntityName(uint8_t low) {
+  return low <= ' ' || low == ';' || low == '<';
+}
+
+uint16_t ReadEntityName(SourceText *text, WmlProc *proc) {
+  char name[kEntityNameMax + 1] = {};
+  uint16_t c = WMLGetChar(proc);
+  if (c == CHAR_END) return 0;
+  bool stored = Append(c, text);
+  if (c == ' ') return 0;
+  for (int n = 0;;) {
+    const auto low = static_cast<uint8_t>(c);
+    if (n == kEntityNameMax || EndsEntityName(low)) {
+      if (low != ';') {
+        PushBack(1, proc);
+        if (stored) --text->length;
+      }
+      break;
+    }
+    name[n++] = static_cast<char>(low);
+    if (const uint16_t value = ShortName(name, n)) {
+      TakeSemicolon(text, proc);
+      return value;
+    }
+    c = WMLGetChar(proc);
+    if (c == CHAR_END) break;
+    stored = Append(c, text);
+  }
+  return IDEntity(name);
+}
+
+bool IsReferenceDigit(uint16_t c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f') || c == 'x' ||
+         c == 'X';
+}
+
+}  // namespace
+
+uint16_t ReadEntity(char *text, uint16_t size, WmlProc *proc) {
+  SourceText source = {text, size, 0};
+  Append('&', &source);
+  const uint16_t value = ReadEntityName(&source, proc);
+  text[source.length] = 0;
+  return value;
+}
+
+void ReadVariableSubstitution(char *text, uint16_t size, WmlProc *proc) {
+  SourceText digits = {text, size, 0};
+  uint16_t c = WMLGetChar(proc);
+  if (c != ' ') {
+    while (c != CHAR_END && IsReferenceDigit(c)) {
+      Append(c, &digits);
+      c = WMLGetChar(proc);
+    }
+    if (c != CHAR_END && c != ';') PushBack(1, proc);
+  }
+  text[digits.length] = 0;
+}
+
+namespace {
+
+constexpr size_t kDigitsMax = 4;
+
+// The value of a digit, at least 16 for any other character.
+uint16_t DigitValue(char c) {
+  if (c >= '0' && c <= '9') return static_cast<uint16_t>(c - '0');
+  const char lower = LowerAscii(c);
+  return lower >= 'a' && lower <= 'f' ? static_cast<uint16_t>(lower - 'a' + 10) : uint16_t{16};
+}
+
+bool HasHexPrefix(const char *text) {
+  return text[0] == '0' && LowerAscii(text[1]) == 'x';
+}
+
+}  // namespace
+
+uint16_t ConvertVarString(const char *text) {
+  uint16_t base = 10;
+  if (LowerAscii(text[0]) == 'x') {
+    base = 16;
+    text += 1;
+  } else if (HasHexPrefix(text)) {
+    base = 16;
+    text += 2;
+  }
+  const char *end = text + strnlen(text, kDigitsMax);
+  // A prefix among the four digits is passed over, as strtol does.
+  if (base == 16 && end - text > 2 && HasHexPrefix(text) && DigitValue(text[2]) < base) text += 2;
+  uint32_t value = 0;
+  for (; text != end && DigitValue(*text) < base; ++text) value = value * base + DigitValue(*text);
+  return static_cast<uint16_t>(value);
+}
+
+namespace {
+
+uint16_t ScanNumeric(const uint8_t *at, const uint8_t **behind) {
+  constexpr int kScanMax = 6;  // "0x" and four digits
+  char digits[kScanMax + 1] = {};
+  int n = 0;
+  while (n < kScanMax && IsReferenceDigit(at[n])) {
+    digits[n] = static_cast<char>(at[n]);
+    ++n;
+  }
+  if (at[n] != ';') return 0;
+  *behind = at + n + 1;
+  return ConvertVarString(digits);
+}
+
+// The names that are complete without a ';' begin no other name of the table.
+uint16_t ScanNamed(const uint8_t *at, const uint8_t **behind) {
+  size_t n = 0;
+  while (!EndsEntityName(at[n])) {
+    if (at[n] >= 0x80 || n == NAME_KEY_MAX) return 0;
+    ++n;
+  }
+  if (at[n] != ';') return 0;
+  *behind = at + n + 1;
+  return ENTITY_INDEX.Find(LoadNameKey(at, n));
+}
+
+}  // namespace
+
+uint16_t ScanReference(const uint8_t *at, const uint8_t **behind) {
+  return *at == '#' ? ScanNumeric(at + 1, behind) : ScanNamed(at, behind);
+}
