@@ -4,6 +4,7 @@
 
 #include "filter/data/name_lookup.h"
 #include "filter/ground/callbacks.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/ground/stream_position.h"
 #include "filter/lexer/word_reader.h"
 #include "filter/text/paragraph.h"
@@ -21,7 +22,8 @@ const AttrRef *FindValue(uint16_t attribute, const WmlProc *proc) {
 
 // The first byte of a plain value that the input buffer still holds whole, else null.
 const uint8_t *HeldValue(const AttrRef &attribute, const WmlProc *proc) {
-  if (attribute.plainLength == NOT_PLAIN || ReadingStopped(proc)) return nullptr;
+  if (!kShortCuts || attribute.plainLength == NOT_PLAIN) return nullptr;
+  if (ReadingStopped(proc)) return nullptr;
   if (proc->save.curCharset == CHARSET_JIS_X0208) return nullptr;
   const VwCharBuffer *input = proc->input;
   const uint32_t into = attribute.valuePos + 1 - input->start;

@@ -6,6 +6,7 @@
 #include "filter/format/tag_stack.h"
 #include "filter/format/typeface.h"
 #include "filter/ground/callbacks.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/text/paragraph.h"
 
 namespace {
@@ -105,7 +106,7 @@ uint16_t DeriveStyle(uint16_t current, uint8_t styleClass, WmlProc *proc) {
 uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc) {
   if (styleClass == 0 || styleClass >= STYLE_TEMPLATE_COUNT) return NO_INDEX;
   const uint16_t current = TagStackTop(proc).styleIndex;
-  if (current >= DERIVED_FROM_COUNT) return DeriveStyle(current, styleClass, proc);
+  if (!kShortCuts || current >= DERIVED_FROM_COUNT) return DeriveStyle(current, styleClass, proc);
   const uint16_t known = proc->derivedStyles.of[current][styleClass];
   if (known != NO_INDEX) return known;
   const bool isStored = current < proc->styleArray.count;

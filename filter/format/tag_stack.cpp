@@ -2,6 +2,7 @@
 
 #include "filter/elements/tag_processing.h"
 #include "filter/format/style.h"
+#include "filter/ground/short_cuts.h"
 
 namespace {
 
@@ -94,7 +95,8 @@ void TagStackCloseParts(uint8_t tagId, WmlProc *proc) {
 uint8_t TagStackClose(uint8_t tagId, WmlProc *proc) {
   const uint32_t tagClass = TagClass(tagId);
   // The end of the style begun last, the most frequent case, has nothing to handle.
-  if ((tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId) return PopTop(proc);
+  const bool endsTop = (tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId;
+  if (kShortCuts && endsTop) return PopTop(proc);
   if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
     const int16_t index = FindElement(tagId, proc);
     if (index < 0) return TAG_NONE;

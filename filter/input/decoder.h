@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "filter/ground/instance.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/input/charset.h"
 
 inline constexpr uint16_t CHAR_END = 0xFFFF;  // WMLGetChar: the end of the input
@@ -22,6 +23,7 @@ constexpr bool IsCharsetControl(unsigned byte) {
 
 // WMLGetChar, with the printable ASCII characters of the buffer taken in place.
 inline uint16_t GetChar(WmlProc *proc) {
+  if (!kShortCuts) return WMLGetChar(proc);
   VwCharBuffer *input = proc->input;
   const uint8_t byte = *input->next;
   const bool plain = byte >= 0x20 && byte < 0x80 && proc->save.curCharset != CHARSET_JIS_X0208;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "filter/ground/instance.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/lexer/bare_tag.h"
 #include "filter/lexer/tag_reader.h"
 #include "filter/lexer/word_reader.h"
@@ -16,7 +17,7 @@ inline constexpr uint16_t ITEM_TEXT_MAX = SCRATCH_TEXT_SIZE - 1;
 // where it was, when there is none.
 inline ItemRecord ReadBareTag(const uint8_t *next, WmlProc *proc) {
   ItemRecord item = {};
-  if ((proc->save.modeFlags & MODE_LITERAL) == 0) item = ScanBareTag(next, proc);
+  if (kShortCuts && (proc->save.modeFlags & MODE_LITERAL) == 0) item = ScanBareTag(next, proc);
   if (item.tagId != TAG_NONE) FinishTag(&item, proc);
   return item;
 }

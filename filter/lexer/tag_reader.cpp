@@ -2,6 +2,7 @@
 
 #include "filter/data/name_lookup.h"
 #include "filter/format/tag_stack.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/ground/stream_position.h"
 #include "filter/input/charset.h"
 #include "filter/input/decoder.h"
@@ -132,7 +133,7 @@ bool ReadTagWords(WordBuffer *word, ItemRecord *item, WmlProc *proc) {
 }  // namespace
 
 bool ReadTag(ItemRecord *item, WmlProc *proc) {
-  if (ScanTag(item, proc)) {
+  if (kShortCuts && ScanTag(item, proc)) {
     FinishTag(item, proc);
     return true;
   }

@@ -4,6 +4,7 @@
 #include "filter/format/style.h"
 #include "filter/format/tag_stack.h"
 #include "filter/format/typeface.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/ground/stream_position.h"
 #include "filter/lexer/item_reader.h"
 #include "filter/lexer/word_reader.h"
@@ -74,6 +75,7 @@ struct TableScan {
   char *text;  // item text and attribute values
   TableRecord *record;
   StyleRecord style;  // every character is measured with it
+  bool multiByte;     // every character is an unbreakable run of its own
   bool inRow;
   bool inCell;
   uint16_t cell;       // cells opened in the row; the current column is cell - 1
@@ -111,7 +113,7 @@ void MeasureChar(uint16_t c, TableScan *scan) {
   const uint32_t width = WMLGetCharWidth(c, scan->style);
   scan->lineWidth += width;
   Raise(scan->lineWidth, &column->lineMax);
-  if (blank || scan->proc->cellWidths.multiByte) {
+  if (blank || scan->multiByte) {
     EndRun(scan);
   } else {
     scan->wordWidth += width;
@@ -155,7 +157,8 @@ const uint8_t *MeasurePlain(const uint8_t *at, ColumnExtent *column, TableScan *
 const uint8_t *MeasureRun(TableScan *scan) {
   VwCharBuffer *input = scan->proc->input;
   const uint8_t *at = input->next;
-  if (*at == '<' || scan->proc->save.curCharset == CHARSET_JIS_X0208) return at;
+  if (!kShortCuts || *at == '<') return at;
+  if (scan->proc->save.curCharset == CHARSET_JIS_X0208) return at;
   ColumnExtent *column = CurrentColumn(scan);
   if (scan->inCell && column != nullptr) {
     if (scan->lineWidth > kLineFar) return at;
@@ -269,7 +272,8 @@ void MeasureTable(char *text, TableRecord *record, WmlProc *proc) {
   scan.text = text;
   scan.record = record;
   scan.style = current != nullptr ? *current : BaseStyle(proc);
-  MakeCellWidths(scan.style, (proc->save.curCharset & CHARSETF_MULTI_BYTE) != 0, proc);
+  scan.multiByte = (proc->save.curCharset & CHARSETF_MULTI_BYTE) != 0;
+  if (kShortCuts) MakeCellWidths(scan.style, scan.multiByte, proc);
   ScanCells(&scan);
   CountColumns(&scan);
   DistributeWidths(scan.columns, record->columnCount, record->columnWidth);

@@ -4,6 +4,7 @@
 
 #include "filter/ground/callbacks.h"
 #include "filter/ground/instance.h"
+#include "filter/ground/short_cuts.h"
 
 // What a byte sends, and which half of the table its successor is looked up in.
 struct SendEntry {
@@ -63,7 +64,7 @@ inline const SendEntry *TableHalf(const TextRun &run, uint16_t last) {
 inline const uint8_t *SendTextRun(TextRun *kept, WmlProc *proc) {
   VwCharBuffer *const input = proc->input;
   const uint8_t *at = input->next;
-  if (*at == '<') return at;
+  if (!kShortCuts || *at == '<') return at;
   if (kept->state != TextRunState(proc->save)) *kept = MakeTextRun(proc);
   if (!kept->sends) return at;
   uint16_t &lastChar = proc->save.lastChar;
