@@ -1,13 +1,16 @@
 # The filter library: one folder a room.
 set(VS_WML_SOURCES
+    filter/attributes/alignment.cpp
     filter/attributes/attribute_values.cpp
+    filter/attributes/length.cpp
+    filter/data/ascii.cpp
     filter/data/name_lookup.cpp
     filter/data/vsd_wml.cpp
     filter/elements/anchor.cpp
     filter/elements/image.cpp
     filter/elements/tag_processing.cpp
-    filter/entry/instance.cpp
     filter/entry/read_loop.cpp
+    filter/entry/setup.cpp
     filter/entry/stream.cpp
     filter/format/style.cpp
     filter/format/tag_stack.cpp
@@ -25,6 +28,7 @@ set(VS_WML_SOURCES
     filter/tables/column_widths.cpp
     filter/tables/table_output.cpp
     filter/tables/table_scan.cpp
+    filter/text/characters.cpp
     filter/text/paragraph.cpp
     filter/text/text_run.cpp)
 

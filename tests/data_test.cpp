@@ -7,7 +7,8 @@
 #include <set>
 #include <string>
 
-#include "filter/attributes/attribute_values.h"
+#include "filter/attributes/length.h"
+#include "filter/data/ascii.h"
 #include "filter/data/name_lookup.h"
 #include "filter/ground/instance.h"
 #include "filter/input/charset.h"
@@ -164,7 +165,7 @@ TEST(References, CountFourDigitsAtMost) {
                  {"0065", 65},      {"12345", 1234}, {"x1F600", 0x1F60}, {"", 0},
                  {"x", 0},          {"0x", 0},       {"a9", 0},          {"12a4", 12},
                  {"xFFFF", 0xFFFF}, {"00065", 6},    {"0x00041", 4},     {"x0x41", 0x41}};
-  for (const auto &[digits, value] : numbers) EXPECT_EQ(ConvertVarString(digits), value) << digits;
+  for (const auto &[digits, value] : numbers) EXPECT_EQ(ReferenceValue(digits), value) << digits;
 }
 
 TEST(Lengths, AreTwipsPercentagesOrColours) {

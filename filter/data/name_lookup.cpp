@@ -1,39 +1,6 @@
 #include "filter/data/name_lookup.h"
 
-void strToLwr(char *s) {
-  for (; *s != 0; ++s) *s = LowerAscii(*s);
-}
-
-namespace {
-
-int Difference(char a, char b) {
-  return static_cast<unsigned char>(a) - static_cast<unsigned char>(b);
-}
-
-}  // namespace
-
-int hstrcmp(const char *a, const char *b) {
-  while (*a != 0 && *a == *b) {
-    ++a;
-    ++b;
-  }
-  return Difference(*a, *b);
-}
-
-int hstrcmpn(const char *a, const char *b, int n) {
-  for (int i = 0; i < n; ++i) {
-    if (a[i] != b[i] || a[i] == 0) return Difference(a[i], b[i]);
-  }
-  return 0;
-}
-
-int ncstrcmp(const char *a, const char *b) {
-  while (*a != 0 && *b != 0 && LowerAscii(*a) == LowerAscii(*b)) {
-    ++a;
-    ++b;
-  }
-  return Difference(LowerAscii(*a), LowerAscii(*b));
-}
+#include "filter/data/ascii.h"
 
 uint8_t IDTag(const char *name) {
   const NameRecord *record = FindName(name, WmlInit.tags, ncstrcmp);
@@ -48,4 +15,9 @@ uint16_t IDAttrib(const char *name) {
 uint16_t IDEntity(const char *name) {
   const NameRecord *record = FindName(name, WmlInit.entities, hstrcmp);
   return record != nullptr ? static_cast<uint16_t>(record->value) : uint16_t{0};
+}
+
+uint32_t IDUnits(const char *name) {
+  const NumberedName *unit = FindName(name, WmlInit.units, ncstrcmp);
+  return unit != nullptr ? unit->number : UNIT_NONE;
 }

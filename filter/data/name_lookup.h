@@ -1,4 +1,4 @@
-// Names of tags, attributes and entities, and the string functions they need.
+// Names of tags, attributes, entities and units to their ids.
 #ifndef VS_WML_FILTER_DATA_NAME_LOOKUP_H
 #define VS_WML_FILTER_DATA_NAME_LOOKUP_H
 
@@ -17,23 +17,13 @@ uint16_t IDAttrib(const char *name);
 // case-sensitive.
 uint16_t IDEntity(const char *name);
 
-// 'A'..'Z' to 'a'..'z', every other byte as it is.
-constexpr char LowerAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
+// The unit of a unit name, ignoring case; UNIT_NONE when it is not known.
+uint32_t IDUnits(const char *name);
 
-// Lowers the ASCII letters of a string in place.
-void strToLwr(char *s);
-
-// Compare strings as unsigned bytes; below, at or above 0 as usual.
-int hstrcmp(const char *a, const char *b);
-int hstrcmpn(const char *a, const char *b, int n);  // the first n bytes
-int ncstrcmp(const char *a, const char *b);         // ignoring the case of ASCII letters
-
-// Binary search over a sorted table; null when the name is not in it.
-template <size_t count>
-const NameRecord *FindName(const char *name, const NameRecord (&table)[count],
-                           int (*compare)(const char *, const char *)) {
+// The row of a name, compared whole, in a table sorted by `compare`; null when it has none.
+template <typename Row, size_t count>
+const Row *FindName(const char *name, const Row (&table)[count],
+                    int (*compare)(const char *, const char *)) {
   int low = 0;
   int high = static_cast<int>(count) - 1;
   while (low <= high) {

@@ -1,6 +1,8 @@
 #include "filter/elements/image.h"
 
+#include "filter/attributes/alignment.h"
 #include "filter/attributes/attribute_values.h"
+#include "filter/attributes/length.h"
 #include "filter/ground/callbacks.h"
 #include "filter/text/paragraph.h"
 

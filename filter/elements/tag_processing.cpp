@@ -1,15 +1,28 @@
 #include "filter/elements/tag_processing.h"
 
+#include "filter/attributes/alignment.h"
 #include "filter/attributes/attribute_values.h"
 #include "filter/elements/anchor.h"
 #include "filter/elements/image.h"
-#include "filter/format/style.h"
 #include "filter/format/tag_stack.h"
 #include "filter/ground/callbacks.h"
+#include "filter/ground/short_cuts.h"
 #include "filter/tables/table_output.h"
+#include "filter/text/characters.h"
 #include "filter/text/paragraph.h"
 
 namespace {
+
+// Writes the value of the card's `title` as a paragraph of its own.
+void PutTitle(WmlProc *proc) {
+  char *title = StringCreate(SCRATCH_TEXT_SIZE, proc);
+  if (title == nullptr) return;
+  if (GetAttributeString(ATTRIB_TITLE, title, SCRATCH_TEXT_SIZE, proc)) {
+    WmlPutString(title, proc);
+    ForceParaBreak(proc);
+  }
+  StringDestroy(title, proc);
+}
 
 // Out of line, as are the other handlers of tags that need much: the frequent tags of styles
 // and cells do not save and restore registers for them.
@@ -22,7 +35,7 @@ namespace {
     save.firstCardPending = 0;
   }
   SOSetTextColor(save.textColor, proc);
-  PutAttributeParagraph(ATTRIB_TITLE, proc);
+  PutTitle(proc);
 }
 
 [[gnu::noinline]] void BeginParagraph(WmlProc *proc) {
@@ -37,7 +50,8 @@ namespace {
 // Opens the row that a cell outside every row belongs to.
 void BeginImpliedRow(WmlProc *proc) {
   constexpr ItemRecord kRow = {TAG_TR, 0};
-  TagStackPush(kRow, ProcessBeginTag(kRow, proc), proc);
+  ProcessBeginRow(proc);
+  TagStackPush(kRow, 0, proc);
 }
 
 // True when a cell was begun.
@@ -46,7 +60,7 @@ bool BeginCell(WmlProc *proc) {
     proc->save.modeFlags &= ~MODE_IN_CELL;
     return false;
   }
-  if (!TagStackHolds(TAG_TR, proc)) BeginImpliedRow(proc);
+  if (TagStackFind(TAG_TR, proc) < 0) BeginImpliedRow(proc);
   return ProcessBeginCell(proc);
 }
 
@@ -90,7 +104,7 @@ void BeginBodyElement(ItemRecord item, WmlProc *proc) {
   }
 }
 
-[[gnu::noinline]] void BeginElement(ItemRecord item, WmlProc *proc) {
+[[gnu::noinline]] void BeginOtherElement(ItemRecord item, WmlProc *proc) {
   switch (item.tagId) {
     case TAG_NONE:
       break;
@@ -109,20 +123,20 @@ void BeginBodyElement(ItemRecord item, WmlProc *proc) {
   }
 }
 
-}  // namespace
-
+// What the begin tag of an element does; the style template that the element takes, 0 for none.
 // The tags that select a style are most that stand between words, so that they are told from
 // the others by one question, which a processor guesses right more often than a jump by tag.
-uint8_t ProcessBeginTag(ItemRecord item, WmlProc *proc) {
+uint8_t BeginElement(ItemRecord item, WmlProc *proc) {
   if (TagClass(item.tagId) & TAGF_STYLE) return InBody(proc) ? StyleClass(item.tagId) : uint8_t{0};
   if (item.tagId == TAG_TD) {
     return InBody(proc) && BeginCell(proc) ? StyleClass(TAG_TD) : uint8_t{0};
   }
-  BeginElement(item, proc);
+  BeginOtherElement(item, proc);
   return 0;
 }
 
-void ProcessEndTag(uint8_t tagId, WmlProc *proc) {
+// What the end of an element does, whatever ended it.
+void EndElement(uint8_t tagId, WmlProc *proc) {
   uint32_t &modeFlags = proc->save.modeFlags;
   if (modeFlags & MODE_IN_HEAD) {
     if (tagId == TAG_HEAD) modeFlags &= ~MODE_IN_HEAD;
@@ -148,4 +162,48 @@ void ProcessEndTag(uint8_t tagId, WmlProc *proc) {
     default:
       break;
   }
+}
+
+// Closes every element from the top down to `index`: pops it, then ends it.
+[[gnu::noinline]] void CloseDownTo(int16_t index, WmlProc *proc) {
+  for (int16_t i = proc->save.tagStackTop; i >= index; --i) EndElement(TagStackPopTop(proc), proc);
+}
+
+// Closes what an end tag closes; the tag that is left to pop, TAG_NONE for a stray end tag.
+uint8_t CloseElement(uint8_t tagId, WmlProc *proc) {
+  const uint32_t tagClass = TagClass(tagId);
+  // The end of the style begun last, the most frequent case, does nothing but pop.
+  const bool endsTop = (tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId;
+  if (kShortCuts && endsTop) return TagStackPopTop(proc);
+  if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
+    const int16_t index = TagStackFind(tagId, proc);
+    if (index < 0) return TAG_NONE;
+    CloseDownTo(index, proc);
+    return tagId;
+  }
+  if (tagClass & TAGF_TABLE_PART) {
+    TagStackCloseParts(tagId, proc);
+    return tagId;
+  }
+  const bool closesTop = (tagClass & TAGF_MATCH_TOP) && TagStackTop(proc).tagId == tagId;
+  if (!closesTop) return TAG_NONE;
+  EndElement(tagId, proc);
+  return tagId;
+}
+
+}  // namespace
+
+[[gnu::noinline]] void ProcessBeginTag(ItemRecord item, WmlProc *proc) {
+  if (item.tagId >= TAG_COUNT) item.tagId = TAG_NONE;  // from a save block
+  if (TagClass(item.tagId) & TAGF_TABLE_PART) TagStackCloseParts(item.tagId, proc);
+  TagStackPush(item, BeginElement(item, proc), proc);
+}
+
+// An element of the same tag right below a closed container or style is popped with it.
+[[gnu::noinline]] void ProcessEndTag(uint8_t tagId, WmlProc *proc) {
+  TagStackPop(CloseElement(tagId, proc), proc);
+}
+
+void CloseAllElements(WmlProc *proc) {
+  CloseDownTo(0, proc);
 }

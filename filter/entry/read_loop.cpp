@@ -6,119 +6,18 @@
 #include "filter/ground/callbacks.h"
 #include "filter/input/charset.h"
 #include "filter/lexer/item_reader.h"
-#include "filter/lexer/reference.h"
 #include "filter/tables/table_output.h"
-#include "filter/text/paragraph.h"
+#include "filter/text/characters.h"
 #include "filter/text/text_run.h"
 
 namespace {
 
-// Sends a character and ends a single shift.
-void SendChar(uint16_t c, WmlProc *proc) {
-  WmlSave &save = proc->save;
-  SOEmitChar(c, proc);
-  save.lastChar = c;
-  if (save.charsetState & CS_SINGLE_SHIFT) {
-    SwitchCharset(proc->docCharset, proc);
-    save.charsetState &= static_cast<uint16_t>(~(CS_SINGLE_SHIFT | CS_RESET_AT_BREAK));
-  }
-}
-
-// White space after white space, or at the start of a paragraph, is dropped.
-void SendBlank(WmlProc *proc) {
-  const uint16_t last = proc->save.lastChar;
-  if (last != 0 && last != ' ') SendChar(' ', proc);
-}
-
-void PutPreformatted(uint16_t c, WmlProc *proc) {
-  if (c == '\t') {
-    SOEmitControlCode(SO_CONTROL_TAB, proc);
-    proc->save.lastChar = ' ';
-  } else if (c == '\n') {
-    ForceParaBreak(proc);
-  } else if (c >= ' ') {
-    SendChar(c, proc);
-  }
-}
-
-void PutTableText(uint16_t c, WmlProc *proc) {
-  if ((proc->save.modeFlags & MODE_IN_CELL) == 0) return;
-  if (c == ' ' || c == '\r' || c == '\n') {
-    SendBlank(proc);
-  } else if (c > ' ') {
-    SendChar(c, proc);
-  }
-}
-
-// Outside a card nothing printable is written, except a '<' that the tag reader gave
-// back with a tag's number.
-void PutOrdinaryText(uint16_t c, const ItemRecord &item, WmlProc *proc) {
-  if (c == ' ' || c == '\r' || c == '\n' || c == '\t') {
-    SendBlank(proc);
-  } else if (c > ' ') {
-    const bool inCard = (proc->save.modeFlags & MODE_IN_CARD) != 0;
-    if (inCard || item.tagId != TAG_NONE) SendChar(c, proc);
-  }
-}
-
-void PutChar(uint16_t c, const ItemRecord &item, WmlProc *proc) {
-  const uint32_t mode = proc->save.modeFlags;
-  constexpr uint32_t kGate = MODE_IN_WML | MODE_IN_HEAD | MODE_IN_CARD;
-  if ((mode & kGate) == (MODE_IN_WML | MODE_IN_HEAD)) return;
-  if (mode & (MODE_PRE | MODE_LITERAL)) {
-    PutPreformatted(c, proc);
-  } else if (mode & MODE_IN_TABLE) {
-    PutTableText(c, proc);
-  } else {
-    PutOrdinaryText(c, item, proc);
-  }
-}
-
-// A reference without a value is written as its text.
-void PutReferenceValue(uint16_t value, const char *text, WmlProc *proc) {
-  if (value != 0) {
-    PutUnicodeCharacter(value, proc);
-    proc->save.lastChar = value;
-  } else {
-    WmlPutString(text, proc);
-  }
-}
-
-void PutEntity(uint16_t value, const char *text, WmlProc *proc) {
-  const uint32_t mode = proc->save.modeFlags;
-  if (mode & MODE_IN_HEAD) return;
-  if ((mode & (MODE_IN_WML | MODE_IN_CARD)) == MODE_IN_WML) return;
-  PutReferenceValue(value, text, proc);
-}
-
-[[gnu::noinline]] void HandleBeginTag(ItemRecord item, WmlProc *proc) {
-  if (item.tagId >= TAG_COUNT) item.tagId = TAG_NONE;  // from a save block
-  TagStackCloseParts(item.tagId, proc);
-  TagStackPush(item, ProcessBeginTag(item, proc), proc);
-}
-
-[[gnu::noinline]] void HandleEndTag(uint8_t tagId, WmlProc *proc) {
-  const uint8_t closing = TagStackClose(tagId, proc);
-  if (closing == TAG_HEAD) ProcessEndTag(closing, proc);
-  TagStackPop(closing, proc);
-}
-
 void HandleTag(ItemRecord item, WmlProc *proc) {
   if (item.tagId == TAG_NONE) return;
   if (item.itemFlags & ITEM_BEGIN) {
-    HandleBeginTag(item, proc);
+    ProcessBeginTag(item, proc);
   } else {
-    HandleEndTag(item.tagId, proc);
-  }
-}
-
-[[gnu::noinline]] void HandleText(ItemRecord item, uint16_t ch, const char *text, WmlProc *proc) {
-  if (item.itemFlags & ITEM_CHAR) {
-    PutChar(ch, item, proc);
-  } else if (item.itemFlags & ITEM_ENTITY) {
-    PutEntity(ch, text, proc);
-  } else {
-    PutReferenceValue(ConvertVarString(text), text, proc);
+    ProcessEndTag(item.tagId, proc);
   }
 }
 
@@ -150,7 +49,7 @@ void ReadItems(char *text, WmlProc *proc) {
     const ItemRecord item = ReadItem(&ch, text, proc);
     if (proc->stopFlags != 0) break;
     if (item.itemFlags & (ITEM_CHAR | ITEM_ENTITY | ITEM_NUMREF)) {
-      HandleText(item, ch, text, proc);
+      PutItemText(item, ch, text, proc);
     } else {
       HandleTag(item, proc);
     }
@@ -160,7 +59,7 @@ void ReadItems(char *text, WmlProc *proc) {
 void EndRead(WmlProc *proc) {
   if (proc->stopFlags & STOP_NO_MEMORY) SOAbortStream(proc);
   if (proc->stopFlags & STOP_HOST) return;
-  TagStackCloseTo(0, proc);
+  CloseAllElements(proc);
   SOEmitBreak(SO_BREAK_DOCUMENT, proc);
 }
 

@@ -3,7 +3,7 @@
 #include <bit>
 #include <initializer_list>
 
-#include "filter/format/tag_stack.h"
+#include "filter/attributes/alignment.h"
 #include "filter/format/typeface.h"
 #include "filter/ground/callbacks.h"
 #include "filter/ground/short_cuts.h"

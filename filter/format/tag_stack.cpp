@@ -1,21 +1,8 @@
 #include "filter/format/tag_stack.h"
 
-#include "filter/elements/tag_processing.h"
 #include "filter/format/style.h"
-#include "filter/ground/short_cuts.h"
 
 namespace {
-
-// Pops the top element, unless it is the base element, and sends the difference of
-// styles. The element's tag.
-uint8_t PopTop(WmlProc *proc) {
-  const TagStackElem &popped = TagStackTop(proc);
-  const uint8_t tagId = popped.tagId;
-  const uint16_t styleIndex = popped.styleIndex;
-  if (proc->save.tagStackTop > 0) --proc->save.tagStackTop;
-  StyleDelta(styleIndex, TagStackTop(proc).styleIndex, proc);
-  return tagId;
-}
 
 // Takes a cell or a row out of the stack; their ends do nothing else. Styles are neither
 // sent nor changed.
@@ -49,12 +36,6 @@ void CloseRows(WmlProc *proc) {
   }
 }
 
-int16_t FindElement(uint8_t tagId, const WmlProc *proc) {
-  int16_t i = proc->save.tagStackTop;
-  while (i >= 0 && proc->save.tagStack[i].tagId != tagId) --i;
-  return i;
-}
-
 }  // namespace
 
 void TagStackPushBase(WmlProc *proc) {
@@ -78,12 +59,20 @@ void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
   StyleDelta(current, styleIndex, proc);
 }
 
+uint8_t TagStackPopTop(WmlProc *proc) {
+  const TagStackElem &popped = TagStackTop(proc);
+  const uint8_t tagId = popped.tagId;
+  const uint16_t styleIndex = popped.styleIndex;
+  if (proc->save.tagStackTop > 0) --proc->save.tagStackTop;
+  StyleDelta(styleIndex, TagStackTop(proc).styleIndex, proc);
+  return tagId;
+}
+
 void TagStackPop(uint8_t tagId, WmlProc *proc) {
-  if (TagStackTop(proc).tagId == tagId) PopTop(proc);
+  if (TagStackTop(proc).tagId == tagId) TagStackPopTop(proc);
 }
 
 void TagStackCloseParts(uint8_t tagId, WmlProc *proc) {
-  if ((TagClass(tagId) & TAGF_TABLE_PART) == 0) return;
   if ((proc->save.modeFlags & MODE_IN_TABLE) == 0) return;
   if (tagId == TAG_TD) {
     CloseCell(proc);
@@ -92,31 +81,10 @@ void TagStackCloseParts(uint8_t tagId, WmlProc *proc) {
   }
 }
 
-uint8_t TagStackClose(uint8_t tagId, WmlProc *proc) {
-  const uint32_t tagClass = TagClass(tagId);
-  // The end of the style begun last, the most frequent case, has nothing to handle.
-  const bool endsTop = (tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId;
-  if (kShortCuts && endsTop) return PopTop(proc);
-  if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
-    const int16_t index = FindElement(tagId, proc);
-    if (index < 0) return TAG_NONE;
-    TagStackCloseTo(index, proc);
-    return tagId;
-  }
-  if (tagClass & TAGF_TABLE_PART) {
-    TagStackCloseParts(tagId, proc);
-    return tagId;
-  }
-  const bool closesTop = (tagClass & TAGF_MATCH_TOP) && TagStackTop(proc).tagId == tagId;
-  return closesTop ? tagId : uint8_t{TAG_NONE};
-}
-
-[[gnu::noinline]] void TagStackCloseTo(int16_t index, WmlProc *proc) {
-  for (int16_t i = proc->save.tagStackTop; i >= index; --i) ProcessEndTag(PopTop(proc), proc);
-}
-
-bool TagStackHolds(uint8_t tagId, const WmlProc *proc) {
-  return FindElement(tagId, proc) >= 0;
+int16_t TagStackFind(uint8_t tagId, const WmlProc *proc) {
+  int16_t i = proc->save.tagStackTop;
+  while (i >= 0 && proc->save.tagStack[i].tagId != tagId) --i;
+  return i;
 }
 
 const StyleRecord *TagStackGetCurrentStyle(const WmlProc *proc) {

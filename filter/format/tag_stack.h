@@ -1,5 +1,4 @@
-// The stack of open elements: each with the style in force inside it, and the
-// repair of markup that is not well formed.
+// The stack of open elements, each with the style in force inside it.
 //
 // Element 0 is the base element (TAG_NONE, the base style); it is pushed by the
 // first read and never popped. The current style is that of the top element.
@@ -16,16 +15,6 @@ inline uint32_t TagClass(uint8_t tagId) {
   return tagId < TAG_COUNT ? uint32_t{TAG_CLASSES.of[tagId]} : 0;
 }
 
-inline constexpr TagStackElem NO_ELEMENT = {TAG_NONE, 0, NO_INDEX, 0, 0};
-
-// The top element, NO_ELEMENT when the stack is empty.
-inline const TagStackElem &TagStackTop(const WmlProc *proc) {
-  const WmlSave &save = proc->save;
-  return save.tagStackTop >= 0 && save.tagStackTop < TAG_STACK_SIZE
-             ? save.tagStack[save.tagStackTop]
-             : NO_ELEMENT;
-}
-
 // Pushes the base element on the empty stack and sends the whole of its style; nothing
 // happens when the style cannot be stored.
 void TagStackPushBase(WmlProc *proc);
@@ -35,22 +24,19 @@ void TagStackPushBase(WmlProc *proc);
 // only sends it. Nothing happens when the stack is full.
 void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc);
 
-// Pops the top element if it has that tag, and sends the difference of styles.
+// Pops the top element, unless it is the base element, and sends the difference of styles; the
+// element's tag.
+uint8_t TagStackPopTop(WmlProc *proc);
+
+// Pops the top element if it has that tag.
 void TagStackPop(uint8_t tagId, WmlProc *proc);
 
-// Closes the rows and cells of the open table that a tag of a row or a cell closes without
-// saying so; nothing for other tags.
+// Closes the rows and cells of the open table that a tag of a row or a cell, a TAGF_TABLE_PART,
+// closes without saying so. Their ends do nothing else.
 void TagStackCloseParts(uint8_t tagId, WmlProc *proc);
 
-// Repairs the stack for an end tag: closes the element of that tag with all above it, and
-// handles their ends. The tag that is left to pop, TAG_NONE for a stray end tag.
-uint8_t TagStackClose(uint8_t tagId, WmlProc *proc);
-
-// Closes every element from the top down to `index`: pops it, then handles its end.
-void TagStackCloseTo(int16_t index, WmlProc *proc);
-
-// True when an element of that tag is open.
-bool TagStackHolds(uint8_t tagId, const WmlProc *proc);
+// The place of the innermost open element of that tag, -1 when there is none.
+int16_t TagStackFind(uint8_t tagId, const WmlProc *proc);
 
 // The style of the top element, null when there is none.
 const StyleRecord *TagStackGetCurrentStyle(const WmlProc *proc);

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "filter/data/name_lookup.h"
+#include "filter/data/ascii.h"
 #include "filter/ground/callbacks.h"
 
 namespace {

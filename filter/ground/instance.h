@@ -138,4 +138,20 @@ struct WmlProc {
 
 inline constexpr uint16_t CELL_BEGUN = 0x0800;
 
+// True when the read is to end at once; a stop that the host asked for waits for the
+// end of the item.
+inline bool ReadingStopped(const WmlProc *proc) {
+  return proc->stopFlags != 0 && (proc->stopFlags & STOP_HOST) == 0;
+}
+
+inline constexpr TagStackElem NO_ELEMENT = {TAG_NONE, 0, NO_INDEX, 0, 0};
+
+// The innermost open element, NO_ELEMENT when the tag stack is empty.
+inline const TagStackElem &TagStackTop(const WmlProc *proc) {
+  const WmlSave &save = proc->save;
+  return save.tagStackTop >= 0 && save.tagStackTop < TAG_STACK_SIZE
+             ? save.tagStack[save.tagStackTop]
+             : NO_ELEMENT;
+}
+
 #endif  // VS_WML_FILTER_GROUND_INSTANCE_H

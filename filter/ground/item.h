@@ -10,7 +10,7 @@ inline constexpr uint8_t ITEM_ENTITY = 0x02;  // a named reference: value or sou
 inline constexpr uint8_t ITEM_BEGIN = 0x04;   // a begin tag
 inline constexpr uint8_t ITEM_END = 0x08;     // an end tag
 inline constexpr uint8_t ITEM_EMPTY = 0x10;   // the tag was closed by '/'
-inline constexpr uint8_t ITEM_NUMREF = 0x20;  // a numeric reference: its digits as text
+inline constexpr uint8_t ITEM_NUMREF = 0x20;  // a numeric reference: value or its digits
 // A `meta` begin tag: taken as the character 0, which writes nothing.
 inline constexpr uint8_t ITEM_META = ITEM_CHAR | ITEM_BEGIN | ITEM_END;
 

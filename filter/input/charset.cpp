@@ -1,5 +1,6 @@
 #include "filter/input/charset.h"
 
+#include "filter/data/ascii.h"
 #include "filter/data/name_lookup.h"
 #include "filter/ground/callbacks.h"
 

@@ -1,6 +1,5 @@
 #include "filter/lexer/item_reader.h"
 
-#include "filter/format/tag_stack.h"
 #include "filter/input/decoder.h"
 #include "filter/lexer/reference.h"
 
@@ -39,14 +38,14 @@ void ReadAmpersand(ItemRecord *item, uint16_t *ch, char *text, WmlProc *proc) {
   if (c == CHAR_END) return;
   if (c == '#') {
     item->itemFlags = ITEM_NUMREF;
-    ReadVariableSubstitution(text, ITEM_TEXT_MAX, proc);
+    *ch = ReadNumericReference(text, ITEM_TEXT_MAX, proc);
   } else if (c == '<') {
     PushBack(2, proc);
     SetChar(WMLGetChar(proc), item, ch);
   } else {
     PushBack(1, proc);
     item->itemFlags = ITEM_ENTITY;
-    *ch = ReadEntity(text, ITEM_TEXT_MAX, proc);
+    *ch = ReadNamedReference(text, ITEM_TEXT_MAX, proc);
   }
 }
 

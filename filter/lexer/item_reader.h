@@ -26,11 +26,11 @@ inline ItemRecord ReadBareTag(const uint8_t *next, WmlProc *proc) {
 ItemRecord ReadItem(uint16_t *ch, char *text, WmlProc *proc);
 
 // Reads the next item, whose first byte is at `next`. `ch` gets the character of an ITEM_CHAR item
-// or the value of an ITEM_ENTITY item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes, the source of an
-// ITEM_ENTITY item or the digits of an ITEM_NUMREF item, else nothing. A tag leaves
-// its attributes in attrList. What cannot be read as markup comes back as characters
-// or as a tag that is TAG_NONE; at the end of the input the item is empty. Not to be called
-// once reading has stopped.
+// or the value of an ITEM_ENTITY or ITEM_NUMREF item, else 0; `text`, of ITEM_TEXT_MAX + 1 bytes,
+// the source of an ITEM_ENTITY item or the digits of an ITEM_NUMREF item, else nothing. A tag
+// leaves its attributes in attrList. What cannot be read as markup comes back as characters or as a
+// tag that is TAG_NONE; at the end of the input the item is empty. Not to be called once reading
+// has stopped.
 inline ItemRecord ReadNextItem(const uint8_t *next, uint16_t *ch, char *text, WmlProc *proc) {
   const ItemRecord tag = ReadBareTag(next, proc);
   return tag.itemFlags != 0 ? tag : ReadItem(ch, text, proc);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "filter/data/ascii.h"
 #include "filter/data/name_lookup.h"
 #include "filter/input/decoder.h"
 #include "filter/lexer/name_key.h"
@@ -82,14 +83,9 @@ uint16_t ReadEntityName(SourceText *text, WmlProc *proc) {
   return IDEntity(name);
 }
 
-bool IsReferenceDigit(uint16_t c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f') || c == 'x' ||
-         c == 'X';
-}
-
 }  // namespace
 
-uint16_t ReadEntity(char *text, uint16_t size, WmlProc *proc) {
+uint16_t ReadNamedReference(char *text, uint16_t size, WmlProc *proc) {
   SourceText source = {text, size, 0};
   Append('&', &source);
   const uint16_t value = ReadEntityName(&source, proc);
@@ -97,7 +93,43 @@ uint16_t ReadEntity(char *text, uint16_t size, WmlProc *proc) {
   return value;
 }
 
-void ReadVariableSubstitution(char *text, uint16_t size, WmlProc *proc) {
+namespace {
+
+constexpr size_t kDigitsMax = 4;
+
+// A digit of either base, or the mark of the second.
+bool IsReferenceDigit(uint16_t c) {
+  if (c >= 0x80) return false;
+  const char digit = static_cast<char>(c);
+  return DigitValue(digit) != NOT_A_DIGIT || LowerAscii(digit) == 'x';
+}
+
+bool HasHexPrefix(const char *text) {
+  return text[0] == '0' && LowerAscii(text[1]) == 'x';
+}
+
+}  // namespace
+
+uint16_t ReferenceValue(const char *digits) {
+  uint32_t base = 10;
+  if (LowerAscii(digits[0]) == 'x') {
+    base = 16;
+    digits += 1;
+  } else if (HasHexPrefix(digits)) {
+    base = 16;
+    digits += 2;
+  }
+  const char *end = digits + strnlen(digits, kDigitsMax);
+  // A prefix among the four digits is passed over, as strtol does.
+  if (base == 16 && end - digits > 2 && HasHexPrefix(digits) && DigitValue(digits[2]) < base)
+    digits += 2;
+  uint32_t value = 0;
+  for (; digits != end && DigitValue(*digits) < base; ++digits)
+    value = value * base + DigitValue(*digits);
+  return static_cast<uint16_t>(value);
+}
+
+uint16_t ReadNumericReference(char *text, uint16_t size, WmlProc *proc) {
   SourceText digits = {text, size, 0};
   uint16_t c = WMLGetChar(proc);
   if (c != ' ') {
@@ -108,40 +140,7 @@ void ReadVariableSubstitution(char *text, uint16_t size, WmlProc *proc) {
     if (c != CHAR_END && c != ';') PushBack(1, proc);
   }
   text[digits.length] = 0;
-}
-
-namespace {
-
-constexpr size_t kDigitsMax = 4;
-
-// The value of a digit, at least 16 for any other character.
-uint16_t DigitValue(char c) {
-  if (c >= '0' && c <= '9') return static_cast<uint16_t>(c - '0');
-  const char lower = LowerAscii(c);
-  return lower >= 'a' && lower <= 'f' ? static_cast<uint16_t>(lower - 'a' + 10) : uint16_t{16};
-}
-
-bool HasHexPrefix(const char *text) {
-  return text[0] == '0' && LowerAscii(text[1]) == 'x';
-}
-
-}  // namespace
-
-uint16_t ConvertVarString(const char *text) {
-  uint16_t base = 10;
-  if (LowerAscii(text[0]) == 'x') {
-    base = 16;
-    text += 1;
-  } else if (HasHexPrefix(text)) {
-    base = 16;
-    text += 2;
-  }
-  const char *end = text + strnlen(text, kDigitsMax);
-  // A prefix among the four digits is passed over, as strtol does.
-  if (base == 16 && end - text > 2 && HasHexPrefix(text) && DigitValue(text[2]) < base) text += 2;
-  uint32_t value = 0;
-  for (; text != end && DigitValue(*text) < base; ++text) value = value * base + DigitValue(*text);
-  return static_cast<uint16_t>(value);
+  return ReferenceValue(text);
 }
 
 namespace {
@@ -156,7 +155,7 @@ uint16_t ScanNumeric(const uint8_t *at, const uint8_t **behind) {
   }
   if (at[n] != ';') return 0;
   *behind = at + n + 1;
-  return ConvertVarString(digits);
+  return ReferenceValue(digits);
 }
 
 // The names that are complete without a ';' begin no other name of the table.

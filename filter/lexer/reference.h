@@ -8,15 +8,15 @@
 
 // Reads a named reference whose '&' has been read. Gives its UTF-16 unit, 0 when the
 // name is not known, and its source text, at most `size` bytes and a NUL, in `text`.
-uint16_t ReadEntity(char *text, uint16_t size, WmlProc *proc);
+uint16_t ReadNamedReference(char *text, uint16_t size, WmlProc *proc);
 
-// Collects the digits of a numeric reference whose "&#" has been read into `text`, at
-// most `size` of them and a NUL.
-void ReadVariableSubstitution(char *text, uint16_t size, WmlProc *proc);
+// Reads a numeric reference whose "&#" has been read. Gives its value, and its digits, at
+// most `size` of them and a NUL, in `text`.
+uint16_t ReadNumericReference(char *text, uint16_t size, WmlProc *proc);
 
-// The value of the first four digits, decimal, or hexadecimal behind "x" or "0x";
-// 0 when there are none.
-uint16_t ConvertVarString(const char *text);
+// The value of the first four of a numeric reference's digits, decimal, or hexadecimal
+// behind "x" or "0x"; 0 when there are none.
+uint16_t ReferenceValue(const char *digits);
 
 // The value of an ordinary reference, one with a ';', whose source from behind the '&'
 // lies at `at` in the input buffer; `behind` gets the place behind it. 0 for all others,

@@ -1,7 +1,7 @@
 #include "filter/lexer/tag_reader.h"
 
+#include "filter/data/ascii.h"
 #include "filter/data/name_lookup.h"
-#include "filter/format/tag_stack.h"
 #include "filter/ground/short_cuts.h"
 #include "filter/ground/stream_position.h"
 #include "filter/input/charset.h"

@@ -1,5 +1,6 @@
 #include "filter/lexer/word_reader.h"
 
+#include "filter/data/ascii.h"
 #include "filter/ground/stream_position.h"
 #include "filter/input/decoder.h"
 #include "filter/lexer/reference.h"
@@ -57,28 +58,17 @@ int PeekByte(WmlProc *proc) {
   return byte;
 }
 
-// A numeric reference, of which only the values of one byte can stand in a word.
-uint16_t ReadNumericReference(WmlProc *proc) {
-  char digits[16];
-  ReadVariableSubstitution(digits, sizeof digits - 1, proc);
-  const uint16_t value = ConvertVarString(digits);
-  return value <= 0xFF ? value : uint16_t{0};
-}
-
-uint16_t ReadNamedReference(WmlProc *proc) {
-  char source[64];
-  return ReadEntity(source, sizeof source - 1, proc);
-}
-
 // Decodes the reference behind an '&'; one without a value stays as it is written.
 void ReadReference(bool stored, WordBuffer *word, WmlProc *proc) {
   const uint32_t behindAmpersand = WMLGetFilePos(proc);
+  char source[64];
   uint16_t value;
   if (WMLGetChar(proc) == '#') {
-    value = ReadNumericReference(proc);
+    value = ReadNumericReference(source, sizeof source - 1, proc);
+    if (value > 0xFF) value = 0;  // only what is one byte can stand in a word
   } else {
     PushBack(1, proc);
-    value = ReadNamedReference(proc);
+    value = ReadNamedReference(source, sizeof source - 1, proc);
   }
   if (value == 0) {
     WMLSetFilePos(behindAmpersand, proc);

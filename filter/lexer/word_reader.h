@@ -24,15 +24,4 @@ uint8_t ReadWord(WordBuffer *word, WmlProc *proc);
 // and references are left as they are.
 uint8_t ReadWordWithNoQuote(WordBuffer *word, WmlProc *proc);
 
-// White space between words.
-inline bool IsBlank(uint16_t c) {
-  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
-}
-
-// True when the read is to end at once; a stop that the host asked for waits for the
-// end of the item.
-inline bool ReadingStopped(const WmlProc *proc) {
-  return proc->stopFlags != 0 && (proc->stopFlags & STOP_HOST) == 0;
-}
-
 #endif  // VS_WML_FILTER_LEXER_WORD_READER_H

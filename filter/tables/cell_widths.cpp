@@ -1,7 +1,7 @@
 #include "filter/tables/cell_widths.h"
 
+#include "filter/data/ascii.h"
 #include "filter/format/typeface.h"
-#include "filter/lexer/word_reader.h"
 
 namespace {
 

@@ -1,16 +1,17 @@
 #include "filter/tables/table_scan.h"
 
+#include "filter/attributes/alignment.h"
 #include "filter/attributes/attribute_values.h"
+#include "filter/attributes/length.h"
+#include "filter/data/ascii.h"
 #include "filter/format/style.h"
 #include "filter/format/tag_stack.h"
 #include "filter/format/typeface.h"
 #include "filter/ground/short_cuts.h"
 #include "filter/ground/stream_position.h"
 #include "filter/lexer/item_reader.h"
-#include "filter/lexer/word_reader.h"
 #include "filter/tables/cell_widths.h"
 #include "filter/tables/column_widths.h"
-#include "filter/text/paragraph.h"
 
 namespace {
 

@@ -1,29 +1,7 @@
 #include "filter/text/paragraph.h"
 
-#include "filter/attributes/attribute_values.h"
-#include "filter/data/name_lookup.h"
 #include "filter/ground/callbacks.h"
 #include "filter/input/charset.h"
-
-void PutUnicodeCharacter(uint16_t ch, WmlProc *proc) {
-  const uint32_t hostCharset = MapCSToSO(proc->save.curCharset);
-  if (hostCharset != HOST_CS_UNICODE) SOSwitchCharset(HOST_CS_UNICODE, proc);
-  SOEmitChar(ch, proc);
-  if (hostCharset != HOST_CS_UNICODE) SOSwitchCharset(hostCharset, proc);
-}
-
-void WmlPutString(const char *text, WmlProc *proc) {
-  for (; *text != 0; ++text) {
-    const auto byte = static_cast<uint8_t>(*text);
-    if (byte == '\n') {
-      SOEmitBreak(SO_BREAK_PARAGRAPH, proc);
-      proc->save.lastChar = 0;
-    } else {
-      SOEmitChar(byte, proc);
-      proc->save.lastChar = byte;
-    }
-  }
-}
 
 namespace {
 
@@ -57,23 +35,6 @@ void ForceCellBreak(uint32_t count, WmlProc *proc) {
 
 uint16_t ForceRowBreak(WmlProc *proc) {
   return StoppableBreak(SO_BREAK_ROW, proc);
-}
-
-uint16_t CheckJustify(WmlProc *proc) {
-  constexpr struct {
-    int keyword;
-    uint8_t alignment;
-  } kAlignments[] = {
-      {KEYWORD_RIGHT, PARA_ALIGN_RIGHT},    {KEYWORD_BLEED_RIGHT, PARA_ALIGN_RIGHT},
-      {KEYWORD_CENTER, PARA_ALIGN_CENTER},  {KEYWORD_MIDDLE, PARA_ALIGN_CENTER},
-      {KEYWORD_JUST, PARA_ALIGN_JUSTIFIED}, {KEYWORD_INDENT, PARA_ALIGN_JUSTIFIED},
-  };
-  char value[16];
-  if (!GetAttributeString(ATTRIB_ALIGN, value, sizeof value - 1, proc)) return 0;
-  for (const auto &row : kAlignments) {
-    if (ncstrcmp(value, WmlInit.keywords[row.keyword].name) == 0) return row.alignment;
-  }
-  return PARA_ALIGN_LEFT;
 }
 
 void SetParaAlign(uint16_t alignment, WmlProc *proc) {

@@ -2,7 +2,7 @@
 
 #include "filter/input/decoder.h"
 #include "filter/lexer/reference.h"
-#include "filter/text/paragraph.h"
+#include "filter/text/characters.h"
 
 namespace {
 
