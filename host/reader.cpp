@@ -9,13 +9,15 @@
 
 namespace vs_wml {
 
-void CheckRead(const BlockSource &source, std::size_t size, bool aborted) {
+void CheckRead(const BlockSource &source, const Deck &deck, bool aborted) {
   if (source.Exhausted()) {
     throw ReadFailure("given up: its tables make the reader go over it again and again (" +
-                      std::to_string(source.Served()) + " bytes read of " + std::to_string(size) +
-                      ")");
+                      std::to_string(source.Served()) + " bytes read of " +
+                      std::to_string(deck.bytes.size()) + ")");
   }
-  if (aborted) throw ReadFailure("out of memory, or the filter identity is not served");
+  if (!aborted) return;
+  throw ReadFailure(IsFilterIdentity(deck.identity) ? "out of memory"
+                                                    : "the filter identity is not served");
 }
 
 void ReadDeck(const Deck &deck, BlockSink &sink) {
@@ -30,8 +32,8 @@ void ReadDeck(const Deck &deck, BlockSink &sink) {
       stream.Read();
     }
   }
-  builder.Finish();
-  CheckRead(source, deck.bytes.size(), builder.Aborted() || !builder.Done());
+  builder.Rethrow();
+  CheckRead(source, deck, builder.Aborted() || !builder.Done());
   sink.EndDocument(deck.info);
 }
 

@@ -25,8 +25,8 @@ class ReadFailure : public std::runtime_error {
 /// throws; the blocks up to there have been handed over then.
 void ReadDeck(const Deck &deck, BlockSink &sink);
 
-/// Throws ReadFailure when reading `size` bytes through `source` was given up.
-void CheckRead(const BlockSource &source, std::size_t size, bool aborted);
+/// Throws ReadFailure when reading the deck through `source` was given up.
+void CheckRead(const BlockSource &source, const Deck &deck, bool aborted);
 
 /// Reads a deck and writes each call of the filter as a line. Throws ReadFailure.
 void TraceDeck(const Deck &deck, std::ostream &out);

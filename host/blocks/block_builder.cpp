@@ -73,152 +73,52 @@ std::string CleanText(std::string text) {
 
 }  // namespace
 
-// Each routine finds the builder in its first user word.
-struct BlockBuilder::Routines_ {
-  static BlockBuilder &Of(VwUserWord user) { return *reinterpret_cast<BlockBuilder *>(user); }
-
-  static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord) {
-    BlockBuilder &builder = Of(user);
-    // Nearly every call ends here; the rest stays out of line to keep it short. ASCII and
-    // other bytes take the same way: which of them comes next is hard to predict.
-    if (unit - 0x20 < builder.storedUnits_ && builder.text_.TryAdd(static_cast<char>(unit))) {
-      return 0;
-    }
-    builder.EmitOther(unit);
-    return 0;
-  }
-  static std::uint32_t EmitCoded(std::uint32_t code, VwUserWord user, VwUserWord) {
-    Of(user).EmitCoded(code);
-    return 0;
-  }
-  static std::uint32_t ControlCode(std::uint32_t code, VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) { builder.ControlCode(code); });
-    return 0;
-  }
-  static std::uint32_t CharSize(std::uint32_t halfPoints, VwUserWord user, VwUserWord) {
-    BlockBuilder &builder = Of(user);
-    TextStyle style = builder.style_;
-    style.halfPoints = static_cast<std::uint16_t>(halfPoints);
-    builder.SetStyle(style);
-    return 0;
-  }
-  static std::uint32_t Break(std::uint32_t kind, std::uint32_t, VwUserWord user, VwUserWord) {
-    std::uint32_t answer = 0;
-    Guard(user, [&](BlockBuilder &builder) { answer = builder.Break(kind); });
-    return Of(user).failure_ ? SO_STOP : answer;
-  }
-  static std::uint32_t Abort(std::uint32_t, VwUserWord user, VwUserWord) {
-    Of(user).aborted_ = true;
-    return 0;
-  }
-  static std::uint32_t OpenTable(VwUserWord user, VwUserWord) {
-    Guard(user, [](BlockBuilder &builder) { builder.OpenTable(); });
-    return 0;
-  }
-  static std::uint32_t CloseTable(VwUserWord user, VwUserWord) {
-    Guard(user, [](BlockBuilder &builder) { builder.CloseTable(); });
-    return 0;
-  }
-  static std::uint32_t InsertGraphic(const GraphicRecord *graphic, VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) { builder.InsertGraphic(*graphic); });
-    return 0;
-  }
-  static std::uint32_t OpenLink(std::uint32_t, std::uint32_t number, const VwLinkRecord *link,
-                                VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) { builder.OpenLink(number, *link); });
-    return 0;
-  }
-  static std::uint32_t CloseLink(std::uint32_t, std::uint32_t, VwUserWord user, VwUserWord) {
-    Guard(user, [](BlockBuilder &builder) { builder.CloseLink(); });
-    return 0;
-  }
-  static std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t, std::uint32_t length,
-                                   std::uint32_t *index, VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) { *index = builder.StoreString(units, length); });
-    return 0;
-  }
-  static std::uint32_t DescribeRow(const RowDescription *row, VwUserWord user, VwUserWord) {
-    BlockBuilder &builder = Of(user);
-    builder.tableAlignment_ = TableAlignmentOf(row->alignment);
-    builder.describedColumn_ = 0;
-    return 0;
-  }
-  static std::uint32_t TextColor(std::uint32_t, std::uint32_t color, VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) {
-      if (builder.cardSeparated_) builder.StartCard();
-      TextStyle style = builder.style_;
-      style.color = color;
-      builder.SetStyle(style);
-    });
-    return 0;
-  }
-  static std::uint32_t SwitchCharset(std::uint32_t charset, VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) { builder.SwitchCharset(charset); });
-    return 0;
-  }
-  static std::uint32_t OpenReference(std::uint32_t *id, VwUserWord user, VwUserWord) {
-    *id = Of(user).OpenReference();
-    return 0;
-  }
-  static std::uint32_t DescribeCell(const CellDescription *cell, VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) {
-      const std::uint32_t column = builder.describedColumn_++;
-      if (column >= builder.columnWidths_.size()) builder.columnWidths_.resize(column + 1);
-      builder.columnWidths_[column] = cell->width;
-    });
-    return 0;
-  }
-  static std::uint32_t Property(std::uint32_t code, std::uint32_t a, std::uint32_t b, std::uint32_t,
-                                VwUserWord user, VwUserWord) {
-    Guard(user, [&](BlockBuilder &builder) { builder.Property(code, a, b); });
-    return 0;
-  }
-
-  // Runs a member that may throw; after a failure nothing more is told.
-  template <typename Member>
-  static void Guard(VwUserWord user, Member member) noexcept {
-    BlockBuilder &builder = Of(user);
-    if (builder.failure_) return;
-    try {
-      member(builder);
-    } catch (...) {
-      builder.failure_ = std::current_exception();
-    }
-  }
-};
-
 BlockBuilder::BlockBuilder(const Deck &deck, BlockSink &sink)
     : deck_(deck), sink_(sink), pictures_(deck.pictures) {
   sink_.BeginDocument(deck.info);
 }
 
+// The routine that a member is.
+template <auto kMember>
+VwRoutine BlockBuilder::Routine() {
+  return GuardedHost::Routine<BlockBuilder, kMember>(kMember);
+}
+
 std::span<const OutputRoutine> BlockBuilder::Routines() const {
+  using Self = BlockBuilder;
   static const OutputRoutine kRoutines[] = {
-      {SLOT_EMIT_CHAR, AsRoutine(Routines_::EmitUtf8)},
-      {SLOT_EMIT_CONTROL_CODE, AsRoutine(Routines_::ControlCode)},
-      {SLOT_SET_CHAR_SIZE, AsRoutine(Routines_::CharSize)},
-      {SLOT_EMIT_BREAK, AsRoutine(Routines_::Break)},
-      {SLOT_ABORT_STREAM, AsRoutine(Routines_::Abort)},
-      {SLOT_OPEN_TABLE, AsRoutine(Routines_::OpenTable)},
-      {SLOT_CLOSE_TABLE, AsRoutine(Routines_::CloseTable)},
-      {SLOT_INSERT_GRAPHIC, AsRoutine(Routines_::InsertGraphic)},
-      {SLOT_OPEN_LINK, AsRoutine(Routines_::OpenLink)},
-      {SLOT_CLOSE_LINK, AsRoutine(Routines_::CloseLink)},
-      {SLOT_STORE_STRING, AsRoutine(Routines_::StoreString)},
-      {SLOT_DESCRIBE_ROW, AsRoutine(Routines_::DescribeRow)},
-      {SLOT_SET_TEXT_COLOR, AsRoutine(Routines_::TextColor)},
-      {SLOT_SWITCH_CHARSET, AsRoutine(Routines_::SwitchCharset)},
-      {SLOT_OPEN_REFERENCE, AsRoutine(Routines_::OpenReference)},
-      {SLOT_DESCRIBE_CELL, AsRoutine(Routines_::DescribeCell)},
-      {SLOT_SET_PROPERTY, AsRoutine(Routines_::Property)},
-      {SLOT_EMIT_CHAR, AsRoutine(Routines_::EmitCoded)},  // documents served untouched only
+      {SLOT_EMIT_CHAR, AsRoutine(&Self::EmitUtf8)},
+      {SLOT_EMIT_CONTROL_CODE, Routine<&Self::ControlCode>()},
+      {SLOT_SET_CHAR_SIZE, Routine<&Self::CharSize>()},
+      {SLOT_EMIT_BREAK, Routine<&Self::Break>()},
+      {SLOT_ABORT_STREAM, Routine<&Self::Abort>()},
+      {SLOT_OPEN_TABLE, Routine<&Self::OpenTable>()},
+      {SLOT_CLOSE_TABLE, Routine<&Self::CloseTable>()},
+      {SLOT_INSERT_GRAPHIC, Routine<&Self::InsertGraphic>()},
+      {SLOT_OPEN_LINK, Routine<&Self::OpenLink>()},
+      {SLOT_CLOSE_LINK, Routine<&Self::CloseLink>()},
+      {SLOT_STORE_STRING, Routine<&Self::StoreString>()},
+      {SLOT_DESCRIBE_ROW, Routine<&Self::DescribeRow>()},
+      {SLOT_SET_TEXT_COLOR, Routine<&Self::TextColor>()},
+      {SLOT_SWITCH_CHARSET, Routine<&Self::SwitchCharset>()},
+      {SLOT_OPEN_REFERENCE, Routine<&Self::OpenReference>()},
+      {SLOT_DESCRIBE_CELL, Routine<&Self::DescribeCell>()},
+      {SLOT_SET_PROPERTY, Routine<&Self::Property>()},
+      {SLOT_EMIT_CHAR, Routine<&Self::EmitCoded>()},  // documents served untouched only
   };
   const std::span<const OutputRoutine> all = kRoutines;
   return deck_.servedAsUtf8 ? all.first(all.size() - 1) : all;
 }
 
-void BlockBuilder::Finish() {
-  if (failure_) std::rethrow_exception(failure_);
+// Nearly every call ends in the first line; the rest stays out of line to keep it short.
+// ASCII and other bytes take the same way: which of them comes next is hard to predict.
+std::uint32_t BlockBuilder::EmitUtf8(std::uint32_t unit, VwUserWord user,
+                                     VwUserWord other) noexcept {
+  BlockBuilder &builder = Of<BlockBuilder>(user);
+  if (unit - 0x20 < builder.storedUnits_ && builder.text_.TryAdd(static_cast<char>(unit))) {
+    return 0;
+  }
+  return Call<BlockBuilder, &BlockBuilder::EmitOther, std::uint32_t>(unit, user, other);
 }
 
 // ---------------------------------------------------------------- characters
@@ -359,7 +259,7 @@ void BlockBuilder::ControlCode(std::uint32_t code) {
   }
 }
 
-std::uint32_t BlockBuilder::Break(std::uint32_t kind) {
+void BlockBuilder::Break(std::uint32_t kind, std::uint32_t /*zero*/) {
   switch (kind) {
     case SO_BREAK_PARAGRAPH:
       EndLine();
@@ -377,12 +277,11 @@ std::uint32_t BlockBuilder::Break(std::uint32_t kind) {
     default:
       break;
   }
-  return 0;
 }
 
 // A paragraph break: the end of a card's title, of a line in a cell, or of a paragraph.
 void BlockBuilder::EndLine() {
-  if (cardStarting_ && stream_->Offset() == cardOffset_) {
+  if (cardStarting_ && Source().Offset() == cardOffset_) {
     CloseRun();
     if (!card_.title.empty()) card_.title += ' ';
     card_.title += text_.View();
@@ -453,7 +352,7 @@ void BlockBuilder::StartCard() {
   LeaveCard();
 
   card_ = {};
-  cardOffset_ = stream_->Offset();
+  cardOffset_ = Source().Offset();
   cardStarting_ = true;
   newParagraph_ = true;
   if (deck_.info.adapted) {
@@ -507,9 +406,20 @@ void BlockBuilder::OpenTable() {
   columnWidths_.clear();
   rowStart_ = 0;
   alignment_ = Alignment::kLeft;
-  const SourceTag tag = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), "table");
+  const SourceTag tag = SourceTag::EndingAt(deck_.bytes, Source().Offset(), "table");
   columnAlignments_ = ColumnAlignments(tag.Attribute("align").value_or(""));
   tableTitle_ = CleanText(TextOfBytes(tag.Attribute("title").value_or("")));
+}
+
+void BlockBuilder::DescribeRow(const RowDescription *row) {
+  tableAlignment_ = TableAlignmentOf(row->alignment);
+  describedColumn_ = 0;
+}
+
+void BlockBuilder::DescribeCell(const CellDescription *cell) {
+  const std::uint32_t column = describedColumn_++;
+  if (column >= columnWidths_.size()) columnWidths_.resize(column + 1);
+  columnWidths_[column] = cell->width;
 }
 
 void BlockBuilder::EndCell() {
@@ -579,12 +489,26 @@ void BlockBuilder::ScaleColumns() {
 
 // ---------------------------------------------------------------- properties
 
+void BlockBuilder::CharSize(std::uint32_t halfPoints) {
+  TextStyle style = style_;
+  style.halfPoints = static_cast<std::uint16_t>(halfPoints);
+  SetStyle(style);
+}
+
+void BlockBuilder::TextColor(std::uint32_t /*zero*/, std::uint32_t color) {
+  if (cardSeparated_) StartCard();
+  TextStyle style = style_;
+  style.color = color;
+  SetStyle(style);
+}
+
 void BlockBuilder::SetAlignment(std::uint32_t code) {
   alignment_ = AlignmentOf(code);
   newParagraph_ = true;
 }
 
-void BlockBuilder::Property(std::uint32_t code, std::uint32_t a, std::uint32_t b) {
+void BlockBuilder::Property(std::uint32_t code, std::uint32_t a, std::uint32_t b,
+                            std::uint32_t /*c*/) {
   TextStyle style = style_;
   switch (code) {
     case PROP_CHAR_ATTRIBUTE:
@@ -615,12 +539,13 @@ void BlockBuilder::Property(std::uint32_t code, std::uint32_t a, std::uint32_t b
   }
 }
 
-std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_t length) {
+void BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_t /*code*/,
+                               std::uint32_t length, std::uint32_t *index) {
   std::string &bytes = strings_[storedStrings_ % kKeptStrings];
   bytes.resize(length);
   std::transform(units, units + length, bytes.begin(),
                  [](std::uint16_t unit) { return static_cast<char>(unit); });
-  return storedStrings_++;
+  *index = storedStrings_++;
 }
 
 // The value of an attribute as it stands in the tag that the filter has just read: it
@@ -628,7 +553,7 @@ std::uint32_t BlockBuilder::StoreString(const std::uint16_t *units, std::uint32_
 // for part of them, and ends them at an equals sign and at 1023 bytes.
 std::string BlockBuilder::WholeValue(std::string value, std::string_view tag,
                                      std::string_view attribute) const {
-  const SourceTag source = SourceTag::EndingAt(deck_.bytes, stream_->Offset(), tag);
+  const SourceTag source = SourceTag::EndingAt(deck_.bytes, Source().Offset(), tag);
   const auto whole = source.Attribute(attribute);
   if (!whole) return value;
   std::string text = CleanText(TextOfBytes(*whole));
@@ -654,12 +579,13 @@ std::string BlockBuilder::TextOfBytes(const std::string &bytes) const {
   return text;
 }
 
-std::uint32_t BlockBuilder::OpenReference() {
+void BlockBuilder::OpenReference(std::uint32_t *id) {
   reference_.target.clear();
-  return ++reference_.id;
+  *id = ++reference_.id;
 }
 
-void BlockBuilder::OpenLink(std::uint32_t number, const VwLinkRecord &record) {
+void BlockBuilder::OpenLink(std::uint32_t /*code*/, std::uint32_t number,
+                            const VwLinkRecord *record) {
   CloseRun();
   Link &link = links_.emplace_back();
   link_ = static_cast<std::uint32_t>(links_.size() - 1);
@@ -669,7 +595,7 @@ void BlockBuilder::OpenLink(std::uint32_t number, const VwLinkRecord &record) {
   }
   link.number = number;
   link.target = WholeValue(reference_.target, "a", "href");
-  if ((record.flags & SO_LINK_HAS_TITLE) != 0 && storedStrings_ != 0) {
+  if ((record->flags & SO_LINK_HAS_TITLE) != 0 && storedStrings_ != 0) {
     link.title = CleanText(AttributeText(storedStrings_ - 1));
   }
 }
@@ -693,24 +619,24 @@ void BlockBuilder::TakeLinkParts(Link &link) {
   }
 }
 
-void BlockBuilder::CloseLink() {
+void BlockBuilder::CloseLink(std::uint32_t /*code*/, std::uint32_t /*number*/) {
   CloseRun();
   link_ = kNone;
 }
 
-void BlockBuilder::InsertGraphic(const GraphicRecord &graphic) {
+void BlockBuilder::InsertGraphic(const GraphicRecord *graphic) {
   CloseRun();
   Image image;
   if (deck_.info.adapted) {
     TakeImageParts(image);
   } else {
     image.source = WholeValue(reference_.target, "img", "src");
-    image.hasAlternative = (graphic.flags & SO_GRAPHIC_HAS_ALT) != 0;
-    if (image.hasAlternative) image.alternative = CleanText(AttributeText(graphic.alternative));
+    image.hasAlternative = (graphic->flags & SO_GRAPHIC_HAS_ALT) != 0;
+    if (image.hasAlternative) image.alternative = CleanText(AttributeText(graphic->alternative));
   }
   image.picture = pictures_.Find(image.source);
-  image.width = graphic.width;
-  image.height = graphic.height;
+  image.width = graphic->width;
+  image.height = graphic->height;
   Run run;
   run.begin = run.end = static_cast<std::uint32_t>(text_.Size());
   run.style = style_;

@@ -7,12 +7,11 @@
 
 #include <array>
 #include <cstdint>
-#include <exception>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "host/blocks/stream.h"
+#include "host/blocks/guarded_host.h"
 #include "host/deck.h"
 #include "host/document.h"
 #include "host/text/text_buffer.h"
@@ -22,37 +21,50 @@ namespace vs_wml {
 /// Collects one block at a time from the output routines and hands it to a sink. One
 /// builder reads one document; its buffers grow to the largest block and no further.
 ///
-/// The routines run inside the filter, which exceptions must not cross: one that the
-/// sink throws is kept, the reading is stopped at the next break, and Finish throws it.
-class BlockBuilder {
+/// What the sink throws ends the reading; Rethrow throws it.
+class BlockBuilder : public GuardedHost {
  public:
   /// Both have to outlive the builder.
   BlockBuilder(const Deck &deck, BlockSink &sink);
 
   /// The routines to open the stream with, and the builder's address as user word.
   std::span<const OutputRoutine> Routines() const;
-  /// The stream that the routines are called from; to be set before it reads.
-  void Attach(const Stream &stream) { stream_ = &stream; }
 
-  /// Whether nothing more is to be read: the document or the sink has ended it.
-  bool Done() const { return documentEnded_ || failure_ != nullptr; }
+  /// Whether the document has ended.
+  bool Done() const { return documentEnded_; }
   /// Whether the filter gave the stream up for want of memory.
   bool Aborted() const { return aborted_; }
-  /// Throws what the sink has thrown.
-  void Finish();
 
  private:
-  struct Routines_;  // the output routines, which call the members below
-  friend struct Routines_;
-
   struct Reference {
     std::uint32_t id = 0;
     std::string target;
   };
 
-  [[gnu::noinline]] void EmitOther(std::uint32_t unit);
+  // The output routines.
+  static std::uint32_t EmitUtf8(std::uint32_t unit, VwUserWord user, VwUserWord other) noexcept;
+  void EmitOther(std::uint32_t unit);
   void EmitCoded(std::uint32_t code);
+  void ControlCode(std::uint32_t code);
+  void CharSize(std::uint32_t halfPoints);
+  void Break(std::uint32_t kind, std::uint32_t zero);
+  void Abort(std::uint32_t /*zero*/) { aborted_ = true; }
+  void OpenTable();
+  void CloseTable();
+  void InsertGraphic(const GraphicRecord *graphic);
+  void OpenLink(std::uint32_t code, std::uint32_t number, const VwLinkRecord *record);
+  void CloseLink(std::uint32_t code, std::uint32_t number);
+  void StoreString(const std::uint16_t *units, std::uint32_t code, std::uint32_t length,
+                   std::uint32_t *index);
+  void DescribeRow(const RowDescription *row);
+  void TextColor(std::uint32_t zero, std::uint32_t color);
   void SwitchCharset(std::uint32_t hostCharset);
+  void OpenReference(std::uint32_t *id);
+  void DescribeCell(const CellDescription *cell);
+  void Property(std::uint32_t code, std::uint32_t a, std::uint32_t b, std::uint32_t c);
+  template <auto kMember>
+  static VwRoutine Routine();
+
   void AppendCharacter(char32_t character);
   void FlushCoded();
   void FlushSurrogate();
@@ -66,8 +78,6 @@ class BlockBuilder {
   void StartContent();
   Content CurrentContent() const;
 
-  void ControlCode(std::uint32_t code);
-  std::uint32_t Break(std::uint32_t kind);
   void EndLine();
   void EndParagraph();
   void TellParagraph(const Content &content);
@@ -79,17 +89,9 @@ class BlockBuilder {
   void TakeCardParts();
   void TellCard();
   void LeaveCard();
-  void OpenTable();
-  void CloseTable();
   void ScaleColumns();
   void SetAlignment(std::uint32_t code);
-  void Property(std::uint32_t code, std::uint32_t a, std::uint32_t b);
-  std::uint32_t StoreString(const std::uint16_t *units, std::uint32_t length);
-  std::uint32_t OpenReference();
-  void OpenLink(std::uint32_t number, const VwLinkRecord &record);
   void TakeLinkParts(Link &link);
-  void CloseLink();
-  void InsertGraphic(const GraphicRecord &graphic);
   void TakeImageParts(Image &image) const;
   std::string AttributeText(std::uint32_t index) const;
   std::string TextOfBytes(const std::string &bytes) const;
@@ -97,8 +99,6 @@ class BlockBuilder {
 
   const Deck &deck_;
   BlockSink &sink_;
-  const Stream *stream_ = nullptr;
-  std::exception_ptr failure_;
   bool documentEnded_ = false;
   bool aborted_ = false;
 

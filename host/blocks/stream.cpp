@@ -7,7 +7,7 @@ namespace vs_wml {
 
 Stream::Stream(BlockSource &source, std::int16_t identity, std::span<const OutputRoutine> routines,
                void *user)
-    : instance_(VwAllocProc()) {
+    : source_(source), instance_(VwAllocProc()) {
   if (instance_ == nullptr) throw std::bad_alloc();
   VwLocalUp(source.Handle(), &handle_, instance_);
   if (handle_ == 0) {

@@ -42,11 +42,14 @@ class Stream {
   void Section() { VwStreamSection(handle_, instance_); }
   /// Reads until the document ends or a routine answers SO_STOP.
   void Read() { VwStreamRead(handle_, instance_); }
+  /// Ends the document where it is read: the source serves nothing more.
+  void Cut() { source_.SetLimit(0); }
   /// Offset of the next byte to be read; may be called by an output routine.
   std::uint32_t Offset() const;
   const VwFileInfo &Info() const { return info_; }
 
  private:
+  BlockSource &source_;
   WmlProc *instance_;
   VwHandle handle_ = 0;
   VwFileInfo info_{};

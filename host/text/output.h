@@ -38,6 +38,12 @@ class Output {
     return *this;
   }
   Output &operator<<(std::size_t number) { return *this << std::to_string(number); }
+  /// Room for so many characters behind what was written, which Fill takes in.
+  char *Room(std::size_t count) {
+    if (buffer_.Size() >= kPiece) Flush();
+    return buffer_.Room(count);
+  }
+  void Fill(std::size_t count) { buffer_.Fill(count); }
   /// A part of a larger text.
   void WritePart(std::string_view whole, std::size_t begin, std::size_t end) {
     buffer_.AddFrom(whole.substr(begin, end - begin), whole.size() - begin);

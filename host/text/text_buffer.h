@@ -40,6 +40,12 @@ class TextBuffer {
     if (static_cast<std::size_t>(end_ - cursor_) < text.size()) Grow(text.size());
     cursor_ = std::copy(text.begin(), text.end(), cursor_);
   }
+  /// Room for so many characters behind the text, to be written there and taken in by Fill.
+  char *Room(std::size_t count) {
+    if (static_cast<std::size_t>(end_ - cursor_) < count) Grow(count);
+    return cursor_;
+  }
+  void Fill(std::size_t count) { cursor_ += count; }
   /// Adds a text that is `readable` bytes long with what lies behind it in memory. A short
   /// one is copied with some of that, whatever its length is, which is hard to predict.
   void AddFrom(std::string_view text, std::size_t readable) {

@@ -8,6 +8,7 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 #include "host/text/byte_scan.h"
 #include "host/text/utf8.h"
@@ -21,6 +22,12 @@ struct CloseIterator {
 struct CloseText {
   void operator()(UText *text) const { utext_close(text); }
 };
+
+// Without ICU's rules lines break at blanks; without memory there are none.
+bool Failed(UErrorCode status) {
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  return U_FAILURE(status);
+}
 
 // Whether lines of the text may break between characters, not only at blanks.
 bool HasWideCharacters(std::string_view text) {
@@ -49,7 +56,7 @@ class BreakFinder {
     utext_.reset(
         utext_openUTF8(nullptr, text_.data(), static_cast<std::int64_t>(text_.size()), &status));
     ubrk_setUText(iterator_, utext_.get(), &status);
-    if (U_FAILURE(status)) iterator_ = nullptr;
+    if (Failed(status)) iterator_ = nullptr;
   }
 
   // The last place at `offset` or before; 0 when there is none.
@@ -86,7 +93,7 @@ class BreakFinder {
     if (!iterator) {
       UErrorCode status = U_ZERO_ERROR;
       iterator.reset(ubrk_open(UBRK_LINE, "", nullptr, 0, &status));
-      if (U_FAILURE(status)) iterator.reset();
+      if (Failed(status)) iterator.reset();
     }
     return iterator.get();
   }

@@ -92,14 +92,12 @@ std::string Element(std::string_view name, std::size_t index) {
   return std::string(name) + '[' + std::to_string(index) + ']';
 }
 
-/// One line under construction; every method appends an argument.
+/// A line under construction; every method appends an argument.
 class Line {
  public:
-  Line(std::ostream &out, std::string_view routine) : out_(out), text_(routine) {}
-  ~Line() { out_ << text_ << '\n'; }
-  Line(const Line &) = delete;
-  Line &operator=(const Line &) = delete;
+  explicit Line(std::string_view routine) : text_(routine) {}
 
+  const std::string &Text() const { return text_; }
   Line &Number(std::uint32_t value) { return Word(std::to_string(value)); }
   Line &Code(std::uint32_t value) { return Word("0x" + Hex(value, 1)); }
   Line &Named(std::span<const Name> names, std::uint32_t value) {
@@ -139,7 +137,6 @@ class Line {
   }
 
  private:
-  std::ostream &out_;
   std::string text_;
 };
 
@@ -193,71 +190,59 @@ void Trace::EmitChar(std::uint32_t character) {
 }
 
 void Trace::EmitControlCode(std::uint32_t code) {
-  Flush();
-  Line(out_, "SOEmitControlCode").Named(kControlCodes, code);
+  Note(Line("SOEmitControlCode").Named(kControlCodes, code).Text());
 }
 
 void Trace::SetCharSize(std::uint32_t halfPoints) {
-  Flush();
-  Line(out_, "SOSetCharSize").Number(halfPoints);
+  Note(Line("SOSetCharSize").Number(halfPoints).Text());
 }
 
 void Trace::EmitBreak(std::uint32_t kind, std::uint32_t zero) {
-  Flush();
-  Line(out_, "SOEmitBreak").Named(kBreaks, kind).Constant("zero", zero, 0);
+  Note(Line("SOEmitBreak").Named(kBreaks, kind).Constant("zero", zero, 0).Text());
 }
 
 void Trace::DeclareSection(std::uint32_t zero0, std::uint32_t zero1, std::uint32_t zero2) {
-  Flush();
-  Line(out_, "SODeclareSection")
-      .Constant("zero0", zero0, 0)
-      .Constant("zero1", zero1, 0)
-      .Constant("zero2", zero2, 0);
+  Note(Line("SODeclareSection")
+           .Constant("zero0", zero0, 0)
+           .Constant("zero1", zero1, 0)
+           .Constant("zero2", zero2, 0)
+           .Text());
 }
 
 void Trace::AbortStream(std::uint32_t zero) {
-  Flush();
-  Line(out_, "SOAbortStream").Constant("zero", zero, 0);
+  Note(Line("SOAbortStream").Constant("zero", zero, 0).Text());
 }
 
 void Trace::SelectFontNumber(std::uint32_t fontNumber) {
-  Flush();
-  Line(out_, "SOSelectFontNumber").Number(fontNumber);
+  Note(Line("SOSelectFontNumber").Number(fontNumber).Text());
 }
 
 void Trace::SelectFontName(std::uint32_t one, const char *name) {
-  Flush();
-  Line(out_, "SOSelectFontName").Quoted(name).Constant("one", one, 1);
+  Note(Line("SOSelectFontName").Quoted(name).Constant("one", one, 1).Text());
 }
 
 void Trace::OpenFontList() {
-  Flush();
-  Line(out_, "SOOpenFontList");
+  Note(Line("SOOpenFontList").Text());
 }
 
 void Trace::AddFontListEntry(std::uint32_t fontNumber, std::uint32_t family, const char *name) {
-  Flush();
-  Line(out_, "SOAddFontListEntry").Number(fontNumber).Named(kFamilies, family).Quoted(name);
+  Note(Line("SOAddFontListEntry").Number(fontNumber).Named(kFamilies, family).Quoted(name).Text());
 }
 
 void Trace::CloseFontList() {
-  Flush();
-  Line(out_, "SOCloseFontList");
+  Note(Line("SOCloseFontList").Text());
 }
 
 void Trace::OpenTable() {
-  Flush();
-  Line(out_, "SOOpenTable");
+  Note(Line("SOOpenTable").Text());
 }
 
 void Trace::CloseTable() {
-  Flush();
-  Line(out_, "SOCloseTable");
+  Note(Line("SOCloseTable").Text());
 }
 
 void Trace::InsertGraphic(const GraphicRecord &graphic) {
-  Flush();
-  Line line(out_, "SOInsertGraphic");
+  Line line("SOInsertGraphic");
   line.Field("reference", graphic.referenceId);
   line.Word(graphic.sizeMode == SO_GRAPHIC_SIZED ? "sized" : "unsized");
   line.Field("width", graphic.width).Field("height", graphic.height);
@@ -277,11 +262,11 @@ void Trace::InsertGraphic(const GraphicRecord &graphic) {
   line.Constant("reserved0", graphic.reserved0, 0).Constants("reserved1", graphic.reserved1);
   line.Constant("reserved2", graphic.reserved2, 0xFFFFFFFF);
   line.Constants("reserved3", graphic.reserved3);
+  Note(line.Text());
 }
 
 void Trace::OpenLink(std::uint32_t code, std::uint32_t number, const VwLinkRecord &link) {
-  Flush();
-  Line line(out_, "SOOpenLink");
+  Line line("SOOpenLink");
   line.Number(number).Field("reference", link.referenceId);
   if (link.flags == SO_LINK_HAS_TITLE) {
     line.Word("title");
@@ -289,86 +274,90 @@ void Trace::OpenLink(std::uint32_t code, std::uint32_t number, const VwLinkRecor
     line.Constant("flags", link.flags, 0);
   }
   line.Constant("code", code, SO_LINK_CODE);
+  Note(line.Text());
 }
 
 void Trace::CloseLink(std::uint32_t code, std::uint32_t number) {
-  Flush();
-  Line(out_, "SOCloseLink").Number(number).Constant("code", code, SO_LINK_CODE);
+  Note(Line("SOCloseLink").Number(number).Constant("code", code, SO_LINK_CODE).Text());
 }
 
 void Trace::StoreString(const std::uint16_t *string, std::uint32_t code, std::uint32_t length,
                         std::uint32_t index) {
-  Flush();
   std::string text;
   for (std::uint32_t i = 0; i < length; ++i) AppendCharacter(text, string[i]);
-  Line line(out_, "SOStoreString");
+  Line line("SOStoreString");
   line.Word('"' + text + '"').Word("->").Number(index);
   line.Constant("code", code, SO_STRING_CODE).Constant("terminator", string[length], 0);
+  Note(line.Text());
 }
 
 void Trace::DescribeRow(const RowDescription &row) {
-  Flush();
-  Line line(out_, "SODescribeRow");
+  Line line("SODescribeRow");
   line.Field("columns", row.columnCount).NamedField("align", kTableAlignments, row.alignment);
   line.Field("inset", row.inset).Constant("one", row.one, 1).Constants("reserved", row.reserved);
+  Note(line.Text());
 }
 
 void Trace::SetTextColor(std::uint32_t zero, std::uint32_t color) {
-  Flush();
-  Line(out_, "SOSetTextColor").Word("0x" + Hex(color, 6)).Constant("zero", zero, 0);
+  Note(Line("SOSetTextColor").Word("0x" + Hex(color, 6)).Constant("zero", zero, 0).Text());
 }
 
 void Trace::SwitchCharset(std::uint32_t hostCharset) {
-  Flush();
-  Line(out_, "SOSwitchCharset").Named(kCharsets, hostCharset);
+  Note(Line("SOSwitchCharset").Named(kCharsets, hostCharset).Text());
 }
 
 void Trace::OpenReference(std::uint32_t id) {
-  Flush();
-  Line(out_, "SOOpenReference").Word("->").Number(id);
+  Note(Line("SOOpenReference").Word("->").Number(id).Text());
 }
 
 void Trace::DescribeCell(const CellDescription &cell) {
-  Flush();
-  Line line(out_, "SODescribeCell");
+  Line line("SODescribeCell");
   line.Field("width", cell.width).Color("shade", cell.cellShade).Color("table", cell.tableShade);
   AppendSides(line, cell.left, cell.right, cell.top, cell.bottom);
   line.Constant("size", cell.size, sizeof(CellDescription)).Constants("reserved0", cell.reserved0);
   line.Constant("reserved1", cell.reserved1, 0).Constants("reserved2", cell.reserved2);
   line.Constant("constant1", cell.constant1, 13).Constant("constant2", cell.constant2, 255);
+  Note(line.Text());
 }
 
 void Trace::SetProperty(std::uint32_t code, std::uint32_t a, std::uint32_t b, std::uint32_t c) {
-  Flush();
-  Line line(out_, "SOSetProperty");
+  Line line("SOSetProperty");
   const auto rest = [&](std::uint32_t expectedA, std::uint32_t expectedB, std::uint32_t expectedC) {
     line.Constant("a", a, expectedA).Constant("b", b, expectedB).Constant("c", c, expectedC);
   };
   switch (code) {
     case PROP_CHAR_ATTRIBUTE:
       line.Named(kAttributes, a).Named(kSwitch, b);
-      return rest(a, b, 0);
+      rest(a, b, 0);
+      break;
     case PROP_ALIGNMENT:
       line.Word("alignment").Named(kAlignments, a);
-      return rest(a, 0, 0);
+      rest(a, 0, 0);
+      break;
     case PROP_ALIGNMENT_DONE:
       line.Word("alignment-done");
-      return rest(0, 0, 2);
+      rest(0, 0, 2);
+      break;
     case PROP_SECTION_END:
       line.Word("section-end");
-      return rest(136, 0, 0);
+      rest(136, 0, 0);
+      break;
     case PROP_LAYOUT:
       line.Word("layout").Named(kLayouts, a);
-      return rest(a, 0, 0);
+      rest(a, 0, 0);
+      break;
     case PROP_REFERENCE_TARGET:
       line.Word("reference-target").Field("string", b);
-      return rest(128, b, 0);
+      rest(128, b, 0);
+      break;
     case PROP_REFERENCE_END:
       line.Word("reference-end");
-      return rest(0, 0, 0);
+      rest(0, 0, 0);
+      break;
     default:
       line.Code(code).Code(a).Code(b).Code(c);
   }
+  Note(line.Text());
 }
 
 }  // namespace vs_wml

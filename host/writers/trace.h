@@ -29,9 +29,9 @@ namespace vs_wml {
 /// arguments but for the two user words. Not thread-safe; one trace a stream.
 class Trace {
  public:
-  /// Lines go to `out`, which has to outlive the trace.
+  /// Lines go to `out`, which has to outlive the trace. The last characters are written by
+  /// Flush.
   explicit Trace(std::ostream &out) : out_(out) {}
-  ~Trace() { Flush(); }
   Trace(const Trace &) = delete;
   Trace &operator=(const Trace &) = delete;
 

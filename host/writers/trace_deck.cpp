@@ -1,114 +1,103 @@
 // SPDX-License-Identifier: MIT
 #include "host/blocks/block_source.h"
-#include "host/blocks/stream.h"
+#include "host/blocks/guarded_host.h"
 #include "host/reader.h"
 #include "host/writers/trace.h"
 
 namespace vs_wml {
 namespace {
 
-// What the routines need: the trace, and the numbers that the host hands out.
-struct Tracer {
-  Trace trace;
-  std::uint32_t nextString = 1;
-  std::uint32_t nextReference = 1;
-  bool aborted = false;
-};
-
-Tracer &Of(VwUserWord user) {
-  return *reinterpret_cast<Tracer *>(user);
-}
-
-// An output routine that hands its arguments to a method of the trace.
-template <auto Method, typename... Arguments>
-std::uint32_t Pass(Arguments... arguments, VwUserWord user, VwUserWord) {
-  (Of(user).trace.*Method)(arguments...);
-  return 0;
-}
-
 using Word = std::uint32_t;
 
-std::uint32_t Abort(Word zero, VwUserWord user, VwUserWord) {
-  Of(user).aborted = true;
-  Of(user).trace.AbortStream(zero);
-  return 0;
-}
+// A host that writes down what it is told, and answers with numbers.
+class Tracer : public GuardedHost, public Trace {
+ public:
+  using Trace::Trace;
 
-std::uint32_t InsertGraphic(const GraphicRecord *graphic, VwUserWord user, VwUserWord) {
-  Of(user).trace.InsertGraphic(*graphic);
-  return 0;
-}
+  static std::span<const OutputRoutine> Routines();
+  /// Whether the filter has come to the end of the document.
+  bool Done() const { return ended_ && !aborted_; }
+  bool Aborted() const { return aborted_; }
 
-std::uint32_t OpenLink(Word code, Word number, const VwLinkRecord *link, VwUserWord user,
-                       VwUserWord) {
-  Of(user).trace.OpenLink(code, number, *link);
-  return 0;
-}
+ private:
+  template <auto kMember>
+  static VwRoutine Routine() {
+    return GuardedHost::Routine<Tracer, kMember>(kMember);
+  }
 
-std::uint32_t StoreString(const std::uint16_t *string, Word code, Word length, Word *index,
-                          VwUserWord user, VwUserWord) {
-  *index = Of(user).nextString++;
-  Of(user).trace.StoreString(string, code, length, *index);
-  return 0;
-}
+  void TakeBreak(Word kind, Word zero) {
+    ended_ = ended_ || kind == SO_BREAK_DOCUMENT;
+    EmitBreak(kind, zero);
+  }
+  void Abort(Word zero) {
+    aborted_ = true;
+    AbortStream(zero);
+  }
+  void TakeGraphic(const GraphicRecord *graphic) { InsertGraphic(*graphic); }
+  void TakeLink(Word code, Word number, const VwLinkRecord *link) { OpenLink(code, number, *link); }
+  void TakeString(const std::uint16_t *string, Word code, Word length, Word *index) {
+    *index = nextString_++;
+    StoreString(string, code, length, *index);
+  }
+  void TakeRow(const RowDescription *row) { DescribeRow(*row); }
+  void TakeReference(Word *id) {
+    *id = nextReference_++;
+    OpenReference(*id);
+  }
+  void TakeCell(const CellDescription *cell) { DescribeCell(*cell); }
 
-std::uint32_t DescribeRow(const RowDescription *row, VwUserWord user, VwUserWord) {
-  Of(user).trace.DescribeRow(*row);
-  return 0;
-}
-
-std::uint32_t OpenReference(Word *id, VwUserWord user, VwUserWord) {
-  *id = Of(user).nextReference++;
-  Of(user).trace.OpenReference(*id);
-  return 0;
-}
-
-std::uint32_t DescribeCell(const CellDescription *cell, VwUserWord user, VwUserWord) {
-  Of(user).trace.DescribeCell(*cell);
-  return 0;
-}
-
-const OutputRoutine kRoutines[] = {
-    {SLOT_EMIT_CHAR, AsRoutine(Pass<&Trace::EmitChar, Word>)},
-    {SLOT_EMIT_CONTROL_CODE, AsRoutine(Pass<&Trace::EmitControlCode, Word>)},
-    {SLOT_SET_CHAR_SIZE, AsRoutine(Pass<&Trace::SetCharSize, Word>)},
-    {SLOT_EMIT_BREAK, AsRoutine(Pass<&Trace::EmitBreak, Word, Word>)},
-    {SLOT_DECLARE_SECTION, AsRoutine(Pass<&Trace::DeclareSection, Word, Word, Word>)},
-    {SLOT_ABORT_STREAM, AsRoutine(Abort)},
-    {SLOT_SELECT_FONT_NUMBER, AsRoutine(Pass<&Trace::SelectFontNumber, Word>)},
-    {SLOT_SELECT_FONT_NAME, AsRoutine(Pass<&Trace::SelectFontName, Word, const char *>)},
-    {SLOT_OPEN_FONT_LIST, AsRoutine(Pass<&Trace::OpenFontList>)},
-    {SLOT_ADD_FONT_LIST_ENTRY, AsRoutine(Pass<&Trace::AddFontListEntry, Word, Word, const char *>)},
-    {SLOT_CLOSE_FONT_LIST, AsRoutine(Pass<&Trace::CloseFontList>)},
-    {SLOT_OPEN_TABLE, AsRoutine(Pass<&Trace::OpenTable>)},
-    {SLOT_CLOSE_TABLE, AsRoutine(Pass<&Trace::CloseTable>)},
-    {SLOT_INSERT_GRAPHIC, AsRoutine(InsertGraphic)},
-    {SLOT_OPEN_LINK, AsRoutine(OpenLink)},
-    {SLOT_CLOSE_LINK, AsRoutine(Pass<&Trace::CloseLink, Word, Word>)},
-    {SLOT_STORE_STRING, AsRoutine(StoreString)},
-    {SLOT_DESCRIBE_ROW, AsRoutine(DescribeRow)},
-    {SLOT_SET_TEXT_COLOR, AsRoutine(Pass<&Trace::SetTextColor, Word, Word>)},
-    {SLOT_SWITCH_CHARSET, AsRoutine(Pass<&Trace::SwitchCharset, Word>)},
-    {SLOT_OPEN_REFERENCE, AsRoutine(OpenReference)},
-    {SLOT_DESCRIBE_CELL, AsRoutine(DescribeCell)},
-    {SLOT_SET_PROPERTY, AsRoutine(Pass<&Trace::SetProperty, Word, Word, Word, Word>)},
+  Word nextString_ = 1;
+  Word nextReference_ = 1;
+  bool ended_ = false;
+  bool aborted_ = false;
 };
+
+std::span<const OutputRoutine> Tracer::Routines() {
+  static const OutputRoutine kRoutines[] = {
+      {SLOT_EMIT_CHAR, Routine<&Trace::EmitChar>()},
+      {SLOT_EMIT_CONTROL_CODE, Routine<&Trace::EmitControlCode>()},
+      {SLOT_SET_CHAR_SIZE, Routine<&Trace::SetCharSize>()},
+      {SLOT_EMIT_BREAK, Routine<&Tracer::TakeBreak>()},
+      {SLOT_DECLARE_SECTION, Routine<&Trace::DeclareSection>()},
+      {SLOT_ABORT_STREAM, Routine<&Tracer::Abort>()},
+      {SLOT_SELECT_FONT_NUMBER, Routine<&Trace::SelectFontNumber>()},
+      {SLOT_SELECT_FONT_NAME, Routine<&Trace::SelectFontName>()},
+      {SLOT_OPEN_FONT_LIST, Routine<&Trace::OpenFontList>()},
+      {SLOT_ADD_FONT_LIST_ENTRY, Routine<&Trace::AddFontListEntry>()},
+      {SLOT_CLOSE_FONT_LIST, Routine<&Trace::CloseFontList>()},
+      {SLOT_OPEN_TABLE, Routine<&Trace::OpenTable>()},
+      {SLOT_CLOSE_TABLE, Routine<&Trace::CloseTable>()},
+      {SLOT_INSERT_GRAPHIC, Routine<&Tracer::TakeGraphic>()},
+      {SLOT_OPEN_LINK, Routine<&Tracer::TakeLink>()},
+      {SLOT_CLOSE_LINK, Routine<&Trace::CloseLink>()},
+      {SLOT_STORE_STRING, Routine<&Tracer::TakeString>()},
+      {SLOT_DESCRIBE_ROW, Routine<&Tracer::TakeRow>()},
+      {SLOT_SET_TEXT_COLOR, Routine<&Trace::SetTextColor>()},
+      {SLOT_SWITCH_CHARSET, Routine<&Trace::SwitchCharset>()},
+      {SLOT_OPEN_REFERENCE, Routine<&Tracer::TakeReference>()},
+      {SLOT_DESCRIBE_CELL, Routine<&Tracer::TakeCell>()},
+      {SLOT_SET_PROPERTY, Routine<&Trace::SetProperty>()},
+  };
+  return kRoutines;
+}
 
 }  // namespace
 
 void TraceDeck(const Deck &deck, std::ostream &out) {
   MemorySource source(deck.bytes);
   source.SetLimit(BlockSource::SensibleLimit(deck.bytes.size()));
-  Tracer tracer{Trace(out)};
+  Tracer tracer(out);
   {
-    Stream stream(source, deck.identity, kRoutines, &tracer);
-    if (!tracer.aborted) {
+    Stream stream(source, deck.identity, Tracer::Routines(), &tracer);
+    tracer.Attach(stream);
+    if (!tracer.Aborted()) {
       stream.Section();
       stream.Read();
     }
   }
-  tracer.trace.Flush();
-  CheckRead(source, deck.bytes.size(), tracer.aborted);
+  tracer.Rethrow();
+  tracer.Flush();
+  CheckRead(source, deck, !tracer.Done());
 }
 
 }  // namespace vs_wml

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
+#include "host/writers/json_text.h"
 #include "written.h"
 
 namespace vs_wml::test {
@@ -62,6 +63,39 @@ TEST(JsonWriter, SaysWhatIsNotUsual) {
     ReadDeck(PrepareDeck("d", "<wml>" + std::string(item.content) + "</wml>", {}),
              *MakeJsonWriter(output));
     EXPECT_NE(written.find(item.part), std::string::npos) << item.content << '\n' << written;
+  }
+}
+
+TEST(JsonText, CutsFractions) {
+  const struct {
+    std::uint64_t value;
+    std::uint64_t divisor;
+    const char *text;
+  } cases[] = {
+      {0, 10, "0.0"}, {5, 10, "0.5"},   {50, 10, "5.0"},    {1, 15, "0.06"},
+      {3, 15, "0.2"}, {29, 15, "1.93"}, {1200, 15, "80.0"}, {4294967295U, 10, "429496729.5"}};
+  for (const auto &[value, divisor, text] : cases) {
+    std::string written;
+    Output output([&](std::string_view piece) { written += piece; });
+    JsonText(output).Fraction(value, divisor);
+    output.Flush();
+    EXPECT_EQ(written, text);
+  }
+}
+
+// Long strings are written in pieces, which escapes may fall between.
+TEST(JsonText, EscapesAnywhereInLongStrings) {
+  for (const std::size_t before : {0U, 1U, 16383U, 16384U, 40000U}) {
+    const std::string plain(before, 'x');
+    std::string written;
+    Output output([&](std::string_view piece) { written += piece; });
+    JsonText json(output);
+    json.BeginArray();
+    json.String(plain + "\"\x01\n" + plain);
+    json.Number(7);
+    json.EndArray();
+    output.Flush();
+    EXPECT_EQ(written, "[\"" + plain + "\\\"\\u0001\\n" + plain + "\",7]");
   }
 }
 

@@ -15,10 +15,9 @@ namespace {
 
 std::string Traced(const std::function<void(Trace &)> &call) {
   std::ostringstream out;
-  {
-    Trace trace(out);
-    call(trace);
-  }
+  Trace trace(out);
+  call(trace);
+  trace.Flush();
   return out.str();
 }
 
