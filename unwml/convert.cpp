@@ -58,13 +58,13 @@ std::uint64_t Converter::Run(const Input &input, const vs_wml::Output::Destinati
   const std::filesystem::path folder = std::filesystem::path(input.path).parent_path();
   deck.pictures = {folder.empty() ? "." : folder, options_.assets};
   vs_wml::Output output(destination);
-  if (options_.trace) {
+  if (!options_.format->writer) {
     OutputBuffer buffer(output);
     std::ostream stream(&buffer);
     vs_wml::TraceDeck(deck, stream);
     buffer.Finish();
   } else {
-    const auto writer = vs_wml::MakeWriter(options_.format, output, options_.writer);
+    const auto writer = vs_wml::MakeWriter(*options_.format->writer, output, options_.writer);
     vs_wml::ReadDeck(deck, *writer);
   }
   return size;

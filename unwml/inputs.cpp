@@ -95,7 +95,7 @@ class Finder {
   void Add(std::string path, fs::path mirrored) {
     Input input{std::move(path), "", ""};
     if (!options_.outputDirectory.empty()) {
-      mirrored.replace_extension(options_.Extension());
+      mirrored.replace_extension(options_.format->extension);
       input.output = (fs::path(options_.outputDirectory) / mirrored).string();
       if (!outputs_.insert(input.output).second) {
         input.error = "its output " + Printable(input.output) + " is that of another input";
@@ -112,7 +112,7 @@ class Finder {
     std::unordered_set<std::string> inputs;
     for (const Input &input : inputs_.list) {
       const fs::path path(input.path);
-      if (path.extension() == options_.Extension()) {
+      if (path.extension() == options_.format->extension) {
         inputs.insert(fs::weakly_canonical(path, error).string());
       }
     }

@@ -38,7 +38,7 @@ void WriteToStandardOutput(std::string_view bytes) {
 int Run(Options options) {
   const Inputs inputs = FindInputs(options);
   const bool toOutput = options.outputDirectory.empty();
-  if (toOutput && inputs.several && !options.trace && options.format == vs_wml::Format::kHtml) {
+  if (toOutput && inputs.several && options.format->writer == vs_wml::Format::kHtml) {
     std::cerr << "unwml: HTML of more than one input needs -o DIR\n";
     return kWrongUsage;
   }

@@ -5,35 +5,65 @@
 #include <string>
 #include <string_view>
 
+#include "formats.h"
 #include "option_table.h"
 
 namespace unwml {
 namespace {
 
-struct Example {
-  const char *command;
-  const char *meaning;
+// A term and what is said of it.
+struct Item {
+  std::string_view term;
+  std::string_view meaning;
 };
 
-constexpr Example kExamples[] = {
-    {"unwml deck.wml", "read a deck on the terminal"},
-    {"unwml -t html -o site decks/", "a web page for each deck of a tree"},
-    {"find . -name '*.wml' -print0 | unwml -t json -j 4 --files-from -", "index many decks"},
+constexpr Item kExamples[] = {
+    {"unwml deck.wml", "Read a deck on the terminal."},
+    {"unwml -t html -o site decks/", "A web page for each deck of a tree."},
+    {"find . -name '*.wml' -print0 | unwml -t json -j 4 --files-from -", "Index many decks."},
+};
+
+constexpr Item kExitCodes[] = {
+    {"0", "All documents were read, or whoever read the output had seen enough and closed it."},
+    {"1",
+     "Some documents failed: a message names each of them, and the others were read. Or the "
+     "output could not be written."},
+    {"2", "Wrong usage: nothing was read."},
+    {"129, 130, 131, 143",
+     "Ended by the signal HUP, INT (Ctrl+C), QUIT or TERM, as shells tell it: 128 and the number "
+     "of "
+     "the signal. Outputs that were complete stay."},
+};
+
+constexpr Item kEnvironment[] = {
+    {"NO_COLOR", "When set, text is not styled by --color auto."},
+    {"TERM", "On a terminal that is dumb, text is not styled by --color auto."},
 };
 
 constexpr std::size_t kNameColumns = 24;
 
 // "-t, --to FORMAT", options without a short form set in.
 std::string Names(const OptionRow &row) {
-  std::string names = row.flags;
-  const std::size_t comma = names.find(',');
-  if (comma == std::string::npos) {
-    names.insert(0, 4, ' ');
-  } else {
-    names.insert(comma + 1, 1, ' ');
-  }
-  if (*row.argument != '\0') names += std::string(" ") + row.argument;
+  std::string names = row.letter == '\0' ? "    " : std::string{'-', row.letter, ',', ' '};
+  names += row.negatable ? "--[no-]" : "--";
+  names += row.name;
+  if (row.argument != Argument::kNone) names += std::string(" ") + row.placeholder;
   return names;
+}
+
+std::string Padded(std::string_view text, std::size_t columns) {
+  return std::string(text) + std::string(columns - std::min(columns - 1, text.size()), ' ');
+}
+
+// Calls `print` for each option, and `begin` before each category.
+template <typename Begin, typename Print>
+void ForEachOption(Begin begin, Print print) {
+  const OptionRow *last = nullptr;
+  for (const OptionRow &row : OptionTable()) {
+    if (last == nullptr || row.category != last->category) begin(TitleOf(row.category));
+    print(row);
+    last = &row;
+  }
 }
 
 // Roff takes a hyphen for a hyphen; options have minus signs.
@@ -51,20 +81,41 @@ std::string Roff(std::string_view text) {
   return escaped;
 }
 
+void PrintItem(std::ostream &out, const Item &item) {
+  out << ".TP\n\\fB" << Roff(item.term) << "\\fR\n" << Roff(item.meaning) << '\n';
+}
+
+void PrintSection(std::ostream &out, const char *title, std::span<const Item> items) {
+  out << ".SH " << title << '\n';
+  for (const Item &item : items) PrintItem(out, item);
+}
+
+void PrintManualOption(std::ostream &out, const OptionRow &row) {
+  std::string names = Names(row);
+  names.erase(0, names.find_first_not_of(' '));
+  std::string brief = row.brief;
+  if (brief.front() >= 'a' && brief.front() <= 'z') brief.front() -= 'a' - 'A';
+  PrintItem(out, {names, brief + "."});
+  if (*row.detail != '\0') out << Roff(row.detail) << '\n';
+}
+
 }  // namespace
 
 void PrintHelp(std::ostream &out) {
   out << "Usage: unwml [OPTION]... [FILE|DIR|-]...\n"
-         "Read WML decks as text, HTML, JSON or Markdown. Walks directories for *.wml.\n\n";
-  for (const OptionRow &row : OptionTable()) {
-    const std::string names = Names(row);
-    out << "  " << names
-        << std::string(kNameColumns - std::min(kNameColumns - 1, names.size()), ' ') << row.brief
-        << '\n';
+         "Read WML decks as text, HTML, JSON or Markdown. Walks directories for *.wml.\n";
+  ForEachOption([&](const char *title) { out << '\n'
+                                             << title << ":\n"; },
+                [&](const OptionRow &row) {
+                  out << "  " << Padded(Names(row), kNameColumns) << row.brief << '\n';
+                });
+  out << "\nFormats:\n";
+  for (const FormatRow &row : kFormats) {
+    out << "  " << Padded(row.name, kNameColumns) << row.meaning << '\n';
   }
   out << "\nExamples:\n";
-  for (const Example &example : kExamples) out << "  " << example.command << '\n';
-  out << "\nExit status: 0 all read, 1 some failed, 2 wrong usage.\n";
+  for (const Item &example : kExamples) out << "  " << example.term << '\n';
+  out << "\nExit status: 0 all read, 1 some failed, 2 wrong usage. More: man unwml\n";
 }
 
 void PrintVersion(std::ostream &out) {
@@ -80,60 +131,21 @@ void PrintManual(std::ostream &out) {
          "Reads documents written in WML, the Wireless Markup Language of WAP phones, and writes "
          "them as text, HTML, JSON or Markdown in UTF\\-8. Directories are searched for files "
          "named *.wml and *.wmlc; other files are read when they are named. \\- and no input at "
-         "all mean "
-         "standard input.\n"
-         ".SH OPTIONS\n";
-  for (const OptionRow &row : OptionTable()) {
-    std::string names = Names(row);
-    names.erase(0, names.find_first_not_of(' '));
-    out << ".TP\n\\fB" << Roff(names) << "\\fR\n" << Roff(row.brief) << ".\n";
-    if (*row.detail != '\0') out << Roff(row.detail) << '\n';
+         "all mean standard input.\n"
+         ".SH OPTIONS\n"
+         "Options and inputs may be mixed; \\-\\- ends the options. A value follows as the next "
+         "word or behind an equals sign. Of an option that is given twice, the last one counts. "
+         "\\-\\-[no\\-]NAME is a switch: \\-\\-no\\-NAME turns it off.\n";
+  ForEachOption([&](const char *title) { out << ".SS \"" << title << "\"\n"; },
+                [&](const OptionRow &row) { PrintManualOption(out, row); });
+  out << ".SH FORMATS\n";
+  for (const FormatRow &row : kFormats) {
+    PrintItem(out, {row.name, std::string(row.meaning) + "; files end in " +
+                                  std::string(row.extension) + "."});
   }
-  out << ".SH EXIT STATUS\n"
-         ".TP\n0\nAll documents were read.\n"
-         ".TP\n1\nSome failed; a message names each of them, and the others were read.\n"
-         ".TP\n2\nWrong usage.\n"
-         ".SH ENVIRONMENT\n.TP\nNO_COLOR\nWhen set, text is not styled by \\-\\-color auto.\n"
-         ".SH EXAMPLES\n";
-  for (const Example &example : kExamples) {
-    out << ".TP\n\\fB" << Roff(example.command) << "\\fR\n" << Roff(example.meaning) << "\n";
-  }
-}
-
-void PrintCompletion(std::ostream &out) {
-  std::string all;
-  out << "# bash completion for unwml\n"
-         "_unwml() {\n"
-         "  local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}\n"
-         "  case $prev in\n";
-  for (const OptionRow &row : OptionTable()) {
-    std::string flags = row.flags;
-    const std::string_view choices = row.choices;
-    std::replace(flags.begin(), flags.end(), ',', '|');
-    if (*row.argument != '\0') {
-      out << "    " << flags << ") ";
-      if (choices == "DIR") {
-        out << "COMPREPLY=($(compgen -d -- \"$cur\"))";
-      } else if (choices == "FILE") {
-        out << "COMPREPLY=($(compgen -f -- \"$cur\"))";
-      } else {
-        out << "COMPREPLY=($(compgen -W '" << choices << "' -- \"$cur\"))";
-      }
-      out << "; return ;;\n";
-    }
-    std::replace(flags.begin(), flags.end(), '|', ' ');
-    all += (all.empty() ? "" : " ") + flags;
-  }
-  out << "  esac\n"
-         "  if [[ $cur == -* ]]; then\n"
-         "    COMPREPLY=($(compgen -W '"
-      << all
-      << "' -- \"$cur\"))\n"
-         "  else\n"
-         "    COMPREPLY=($(compgen -f -- \"$cur\"))\n"
-         "  fi\n"
-         "}\n"
-         "complete -o filenames -F _unwml unwml\n";
+  PrintSection(out, "\"EXIT STATUS\"", kExitCodes);
+  PrintSection(out, "ENVIRONMENT", kEnvironment);
+  PrintSection(out, "EXAMPLES", kExamples);
 }
 
 }  // namespace unwml

@@ -1,5 +1,5 @@
 /// \file
-/// What unwml says about itself, all from the table of options.
+/// What unwml says about itself, all from the tables of options and formats.
 ///
 /// SPDX-License-Identifier: MIT
 #ifndef VS_WML_UNWML_MANUAL_H
@@ -9,12 +9,11 @@
 
 namespace unwml {
 
+/// At most 80 columns.
 void PrintHelp(std::ostream &out);
 void PrintVersion(std::ostream &out);
 /// The manual page, in roff.
 void PrintManual(std::ostream &out);
-/// The completion for bash.
-void PrintCompletion(std::ostream &out);
 
 }  // namespace unwml
 

@@ -1,58 +1,174 @@
 // SPDX-License-Identifier: MIT
 #include "option_table.h"
 
+#include "formats.h"
+
 namespace unwml {
 namespace {
 
+using namespace std::string_view_literals;
+
+constexpr std::string_view kColors[] = {"auto"sv, "always"sv, "never"sv};
+constexpr std::string_view kImages[] = {"blocks"sv, "alt"sv};
+// Any other that is known may be given, too.
+constexpr std::string_view kCharsets[] = {"UTF-8"sv,   "windows-1252"sv, "Shift_JIS"sv,
+                                          "GB18030"sv, "Big5"sv,         "EUC-KR"sv};
+constexpr std::string_view kIdentities[] = {"1151"sv, "1154"sv, "1155"sv, "1156"sv,
+                                            "1157"sv, "1158"sv, "1159"sv, "1160"sv,
+                                            "1161"sv, "1162"sv, "1163"sv};
+constexpr std::string_view kPrinted[] = {"manual"sv, "bash"sv, "zsh"sv, "fish"sv};
+constexpr std::size_t kMostColumns = 100000;
+constexpr std::size_t kMostJobs = 256;
+
+constexpr const char *kTitles[kCategories] = {
+    "Input", "Output", "Reading", "Text on a terminal", "Running", "Looking inside", "Help",
+};
+
 constexpr OptionRow kRows[] = {
-    {OptionId::kTo, "-t,--to", "FORMAT", "text html json markdown trace",
-     "text (default), html, json, markdown or trace",
-     "Text is wrapped and has its links numbered. HTML is one page that needs nothing else. "
-     "JSON is one object a line. Markdown has pipe tables. The trace has a line for each call "
-     "of the filter."},
-    {OptionId::kOutput, "-o,--output", "DIR", "DIR",
-     "write files under DIR, laid out as the inputs are",
-     "Without it everything goes to standard output. A file appears only when it is complete, "
-     "and never in the place of an input."},
-    {OptionId::kWidth, "-w,--width", "N", "", "columns of text (default: the terminal's, or 80)",
-     ""},
-    {OptionId::kColor, "--color", "WHEN", "auto always never",
-     "style text: auto (default), always or never",
-     "With auto, text is styled on a terminal unless the variable NO_COLOR is set."},
-    {OptionId::kCharset, "--charset", "NAME", "UTF-8 windows-1252 Shift_JIS GB18030 Big5 EUC-KR",
-     "character set of the input, whatever it says",
-     "Otherwise it is found from, in this order: byte-order mark, XML declaration, meta "
-     "element, saved HTTP header, well-formed UTF-8, a statistical detector, windows-1252."},
-    {OptionId::kIdentity, "--identity", "ID",
-     "1151 1154 1155 1156 1157 1158 1159 1160 1161 1162 1163",
-     "serve the bytes untouched under a filter identity",
-     "1151 is plain WML; the others stand for national character sets."},
-    {OptionId::kRaw, "--raw", "", "", "show only what the filter knows",
-     "Otherwise a deck is adapted first: its actions become links, its forms and variables are "
-     "shown, comments and damaged markup are taken out. --identity and the trace imply it."},
-    {OptionId::kVariable, "--var", "NAME=VALUE", "",
-     "value of a variable, shown as {NAME} otherwise", "May be given several times."},
-    {OptionId::kBase, "--base", "URL", "", "address that link targets are resolved against", ""},
-    {OptionId::kAssets, "--assets", "DIR", "DIR", "also look for pictures under DIR",
-     "Pictures are looked for beside the document. WBMP, PNG, GIF and JPEG become part of the "
-     "HTML."},
-    {OptionId::kImages, "--images", "HOW", "blocks alt",
-     "WBMP in text: blocks (default on a terminal) or alt",
-     "Small pictures are drawn with block characters; with alt their alternative text stands "
-     "for them."},
-    {OptionId::kFilesFrom, "--files-from", "FILE", "FILE",
-     "also read the files that FILE (- for stdin) names",
-     "One name a line, or each ended by a NUL character."},
-    {OptionId::kJobs, "-j,--jobs", "N", "", "documents worked on at a time (default 1)",
-     "The output keeps the order of the input."},
-    {OptionId::kHelp, "-h,--help", "", "", "show this help", ""},
-    {OptionId::kVersion, "--version", "", "", "show the version", ""},
+    {.category = Category::kInput,
+     .name = "files-from",
+     .argument = Argument::kFile,
+     .placeholder = "FILE",
+     .brief = "also read the files that FILE (- for stdin) names",
+     .detail = "One name a line, or each ended by a NUL character.",
+     .set = [](CommandLine &line, const Given &given) { line.filesFrom = given.text; }},
+
+    {.category = Category::kOutput,
+     .letter = 't',
+     .name = "to",
+     .argument = Argument::kChoice,
+     .placeholder = "FORMAT",
+     .choices = kFormatNames,
+     .brief = "what to write, text by default: see Formats",
+     .set = [](CommandLine &line, const Given &given) { line.to = given.text; }},
+    {.category = Category::kOutput,
+     .letter = 'o',
+     .name = "output",
+     .argument = Argument::kFolder,
+     .placeholder = "DIR",
+     .brief = "write files under DIR, laid out as the inputs are",
+     .detail = "Without it everything goes to standard output. A file appears only when it is "
+               "complete, and never in the place of an input.",
+     .set = [](CommandLine &line, const Given &given) { line.output = given.text; }},
+
+    {.category = Category::kReading,
+     .name = "var",
+     .argument = Argument::kText,
+     .placeholder = "NAME=VALUE",
+     .brief = "value of a variable, shown as {NAME} otherwise",
+     .detail = "May be given several times.",
+     .set = [](CommandLine &line, const Given &given) { line.variables.emplace_back(given.text); }},
+    {.category = Category::kReading,
+     .name = "base",
+     .argument = Argument::kText,
+     .placeholder = "URL",
+     .brief = "address that link targets are resolved against",
+     .set = [](CommandLine &line, const Given &given) { line.base = given.text; }},
+    {.category = Category::kReading,
+     .name = "charset",
+     .argument = Argument::kText,
+     .placeholder = "NAME",
+     .choices = kCharsets,
+     .brief = "character set of the input, whatever it says",
+     .detail = "Otherwise it is found from, in this order: byte-order mark, XML declaration, meta "
+               "element, saved HTTP header, well-formed UTF-8, a statistical detector, "
+               "windows-1252.",
+     .set = [](CommandLine &line, const Given &given) { line.charset = given.text; }},
+    {.category = Category::kReading,
+     .name = "assets",
+     .argument = Argument::kFolder,
+     .placeholder = "DIR",
+     .brief = "also look for pictures under DIR",
+     .detail = "Pictures are looked for beside the document. WBMP, PNG, GIF and JPEG become part "
+               "of the HTML.",
+     .set = [](CommandLine &line, const Given &given) { line.assets = given.text; }},
+
+    {.category = Category::kText,
+     .letter = 'w',
+     .name = "width",
+     .argument = Argument::kNumber,
+     .placeholder = "N",
+     .least = 1,
+     .most = kMostColumns,
+     .brief = "columns of text (default: the terminal's, or 80)",
+     .set = [](CommandLine &line, const Given &given) { line.width = given.number; }},
+    {.category = Category::kText,
+     .name = "color",
+     .argument = Argument::kChoice,
+     .placeholder = "WHEN",
+     .choices = kColors,
+     .brief = "style text: auto (default), always or never",
+     .detail = "With auto, text is styled on a terminal unless the variable NO_COLOR is set.",
+     .set = [](CommandLine &line, const Given &given) { line.color = given.text; }},
+    {.category = Category::kText,
+     .name = "images",
+     .argument = Argument::kChoice,
+     .placeholder = "HOW",
+     .choices = kImages,
+     .brief = "WBMP in text: blocks (default on a terminal) or alt",
+     .detail = "Small pictures are drawn with block characters; with alt their alternative text "
+               "stands for them.",
+     .set = [](CommandLine &line, const Given &given) { line.images = given.text; }},
+
+    {.category = Category::kRunning,
+     .letter = 'j',
+     .name = "jobs",
+     .argument = Argument::kNumber,
+     .placeholder = "N",
+     .least = 1,
+     .most = kMostJobs,
+     .brief = "documents worked on at a time (default 1)",
+     .detail = "The output keeps the order of the input.",
+     .set = [](CommandLine &line, const Given &given) { line.jobs = given.number; }},
+
+    {.category = Category::kInside,
+     .name = "raw",
+     .negatable = true,
+     .brief = "show only what the filter knows",
+     .detail = "The filter, which tells a program about a document call by call, knows text, "
+               "links, tables and pictures. A deck is adapted for it first: its actions become "
+               "links, its forms and variables are shown, comments and damaged markup are taken "
+               "out. This option leaves that out, to see what a host of the filter sees. "
+               "--identity and the trace imply it.",
+     .set = [](CommandLine &line, const Given &given) { line.raw = given.on; }},
+    {.category = Category::kInside,
+     .name = "identity",
+     .argument = Argument::kChoice,
+     .placeholder = "ID",
+     .choices = kIdentities,
+     .brief = "serve the bytes untouched under a filter identity",
+     .detail = "A host tells the filter by a number what it has found a document to be. 1151 is "
+               "plain WML; the others stand for national character sets. The character set is "
+               "then the filter's affair, and --charset cannot be given.",
+     .set = [](CommandLine &line, const Given &given) { line.identity = std::string(given.text); }},
+
+    {.category = Category::kHelp,
+     .letter = 'h',
+     .name = "help",
+     .brief = "show this help",
+     .set = [](CommandLine &line, const Given &) { line.help = true; }},
+    {.category = Category::kHelp,
+     .name = "version",
+     .brief = "show the version",
+     .set = [](CommandLine &line, const Given &) { line.version = true; }},
+    {.category = Category::kHelp,
+     .name = "print",
+     .argument = Argument::kChoice,
+     .placeholder = "WHAT",
+     .choices = kPrinted,
+     .brief = "print the manual page, or the completion of a shell",
+     .detail = "The manual is in roff, for man -l. Completions are for bash, zsh and fish.",
+     .set = [](CommandLine &line, const Given &given) { line.print = given.text; }},
 };
 
 }  // namespace
 
 std::span<const OptionRow> OptionTable() {
   return kRows;
+}
+
+const char *TitleOf(Category category) {
+  return kTitles[static_cast<std::size_t>(category)];
 }
 
 }  // namespace unwml

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "formats.h"
 #include "host/deck.h"
 #include "host/writer.h"
 
@@ -25,14 +26,10 @@ struct Options {
   std::string filesFrom;            ///< file of names, "-": standard input; empty: none
   std::string outputDirectory;      ///< empty: standard output
   std::size_t jobs = 1;
-  bool trace = false;  ///< instead of `format`
-  vs_wml::Format format = vs_wml::Format::kText;
+  const FormatRow *format = kFormats;
   vs_wml::WriterOptions writer;
   vs_wml::DeckOptions deck;
   std::string assets;  ///< folder of pictures, empty: none
-
-  /// Name extension of outputs, with the dot.
-  std::string Extension() const;
 };
 
 /// Reads the command line. Help, version and mistakes are printed; the exit code to
