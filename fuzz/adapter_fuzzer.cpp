@@ -1,6 +1,6 @@
 // Adapts any bytes: the result is well-formed UTF-8, no longer than a multiple of the
 // document, names only parts that exist, and has all of a plain text. The same bytes are
-// read as a compiled deck and as a picture.
+// read as a picture.
 //
 // SPDX-License-Identifier: MIT
 #include <algorithm>
@@ -16,7 +16,6 @@
 #include "host/images/wbmp.h"
 #include "host/serve/served_writer.h"
 #include "host/text/utf8.h"
-#include "host/wmlc/wmlc.h"
 
 namespace {
 
@@ -83,13 +82,6 @@ void CheckPlainText(std::string text) {
   Require(served == "<wml><card>" + text + ".</card></wml>", "text was changed", served);
 }
 
-void CheckCompiled(std::string_view bytes) {
-  try {
-    if (vs_wml::IsWmlc(bytes)) vs_wml::DecodeWmlc(bytes);
-  } catch (const vs_wml::BrokenWmlc &) {
-  }
-}
-
 void CheckPicture(std::string_view bytes) {
   const auto bitmap = vs_wml::DecodeWbmp(bytes);
   if (!bitmap || std::max(bitmap->width, bitmap->height) > kPaintedSide) return;
@@ -104,7 +96,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   const std::string text = vs_wml::RepairUtf8(bytes);
   CheckDocument(text);
   CheckPlainText(text);
-  CheckCompiled(bytes);
   CheckPicture(bytes);
   return 0;
 }

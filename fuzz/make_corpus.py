@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Makes the seeds of the fuzz targets from the test cases.
 
-    make_corpus.py OUT CASES...     OUT/filter, OUT/savedata, OUT/unwml and OUT/adapter
+    make_corpus.py OUT CASES...     OUT/filter, OUT/savedata, OUT/unwml, OUT/adapter
+                                    and OUT/wmlc
 """
 import pathlib
 import re
@@ -24,10 +25,19 @@ def seeds(path):
     yield "adapter", document
 
 
-# A compiled deck and a picture, which are no text.
+# Compiled decks and a picture, which are no text. A character number, names of the string table
+# and an instruction come with the second deck, whose first byte chooses a header.
 BINARY = {
-    "compiled": b"\x03\x04\x04\x04abc\0\x7F\xE7\x36\x03t\0\x01\x83\0\x03 \xE5\0\x42x\0\x26\x01\x01",
-    "picture": b"\0\0\x0A\x03\x00\x3F\x7F\xBF\x00\x3F",
+    ("adapter", "wmlc"): {
+        "compiled":
+            b"\x03\x04\x04\x04abc\0\x7F\xE7\x36\x03t\0\x01\x83\0\x03 \xE5\0\x42x\0\x26\x01\x01",
+    },
+    ("wmlc",): {
+        "tokens":
+            b"\x01\x43\x04\0\x01\x7F\x67\x60\x02\x8F\xFF\xFF\xFF\x7F\xC4\x04\x04\0\x81\0\x01"
+            b"\xC3\x02xy\x01\x9C\x4B\x85\x02\x84\x21\x01\x01\x01\x01",
+    },
+    ("adapter",): {"picture": b"\0\0\x0A\x03\x00\x3F\x7F\xBF\x00\x3F"},
 }
 
 
@@ -35,10 +45,12 @@ def main(out, *cases):
     paths = sorted(path for folder in cases for path in pathlib.Path(folder).glob("*.wml"))
     if not paths:
         sys.exit("no cases in " + " ".join(cases))
-    for name, seed in BINARY.items():
-        folder = pathlib.Path(out) / "adapter"
-        folder.mkdir(parents=True, exist_ok=True)
-        (folder / name).write_bytes(seed)
+    for targets, found in BINARY.items():
+        for target in targets:
+            folder = pathlib.Path(out) / target
+            folder.mkdir(parents=True, exist_ok=True)
+            for name, seed in found.items():
+                (folder / name).write_bytes(seed)
     for path in paths:
         for i, (target, seed) in enumerate(seeds(path)):
             folder = pathlib.Path(out) / target

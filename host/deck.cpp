@@ -54,13 +54,11 @@ void RequireWml(std::string_view text) {
 // Finds the character set and converts to UTF-8.
 std::string TextOf(std::string bytes, const DeckOptions &options, DeckInfo &info) {
   if (IsWmlc(bytes)) {
-    DecodedWmlc decoded = DecodeWmlc(bytes);
-    bytes = std::move(decoded.wml);
-    if (options.charset.empty() && !decoded.charset.empty()) {
-      info.charset = decoded.charset;
-      info.charsetOrigin = CharsetOrigin::kCompiled;
-      return ToUtf8(std::move(bytes), info.charset);
-    }
+    DecodedWmlc decoded = DecodeWmlc(bytes, options.charset);
+    info.charset = std::move(decoded.charset);
+    info.charsetOrigin = decoded.charsetOrigin;
+    info.warnings = std::move(decoded.warnings);
+    return std::move(decoded.wml);
   }
   const DetectedCharset found = DetectCharset(bytes, options.charset, info.warnings);
   info.charset = found.name;

@@ -119,6 +119,30 @@ constexpr HostCharset kHostCharsets[] = {
     {HOST_CS_MAC_CE, "x-mac-centraleurroman"},
 };
 
+struct NumberedCharset {
+  std::uint32_t number;  // MIBenum
+  std::string_view name;
+};
+
+constexpr NumberedCharset kNumbers[] = {
+    {3, "US-ASCII"},        {4, "ISO-8859-1"},      {5, "ISO-8859-2"},      {6, "ISO-8859-3"},
+    {7, "ISO-8859-4"},      {8, "ISO-8859-5"},      {9, "ISO-8859-6"},      {10, "ISO-8859-7"},
+    {11, "ISO-8859-8"},     {12, "ISO-8859-9"},     {13, "ISO-8859-10"},    {15, "JIS_X0201"},
+    {17, "Shift_JIS"},      {18, "EUC-JP"},         {36, "KS_C_5601-1987"}, {37, "ISO-2022-KR"},
+    {38, "EUC-KR"},         {39, "ISO-2022-JP"},    {40, "ISO-2022-JP-2"},  {57, "GB_2312-80"},
+    {85, "ISO-8859-8-I"},   {106, "UTF-8"},         {109, "ISO-8859-13"},   {110, "ISO-8859-14"},
+    {111, "ISO-8859-15"},   {112, "ISO-8859-16"},   {113, "GBK"},           {114, "GB18030"},
+    {1000, "UTF-16BE"},  // ISO-10646-UCS-2
+    {1001, "UTF-32BE"},  // ISO-10646-UCS-4
+    {1013, "UTF-16BE"},     {1014, "UTF-16LE"},     {1015, "UTF-16"},       {1017, "UTF-32"},
+    {1018, "UTF-32BE"},     {1019, "UTF-32LE"},     {2024, "Windows-31J"},  {2025, "GB2312"},
+    {2026, "Big5"},         {2027, "macintosh"},    {2084, "KOI8-R"},       {2086, "IBM866"},
+    {2088, "KOI8-U"},       {2101, "Big5-HKSCS"},   {2109, "windows-874"},  {2250, "windows-1250"},
+    {2251, "windows-1251"}, {2252, "windows-1252"}, {2253, "windows-1253"}, {2254, "windows-1254"},
+    {2255, "windows-1255"}, {2256, "windows-1256"}, {2257, "windows-1257"}, {2258, "windows-1258"},
+    {2259, "TIS-620"},
+};
+
 struct CloseConverter {
   void operator()(UConverter *converter) const { ucnv_close(converter); }
 };
@@ -298,6 +322,18 @@ bool HasSavedHeaders(std::string_view document) {
 
 bool IsKnownCharset(std::string_view name) {
   return FindConverter(name) != nullptr;
+}
+
+std::string_view CharsetOfNumber(std::uint32_t number) {
+  for (const NumberedCharset &entry : kNumbers) {
+    if (entry.number == number) return entry.name;
+  }
+  return {};
+}
+
+std::size_t CharacterUnit(std::string_view charset) {
+  const UConverter *converter = FindConverter(charset);
+  return converter == nullptr ? 1 : static_cast<std::size_t>(ucnv_getMinCharSize(converter));
 }
 
 DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,

@@ -26,6 +26,12 @@ struct DetectedCharset {
 /// "gb2312" means GB 18030 and so on, the supersets that documents are written in.
 bool IsKnownCharset(std::string_view name);
 
+/// The name of a character set by IANA's number (MIBenum), empty when it is not known.
+std::string_view CharsetOfNumber(std::uint32_t number);
+
+/// Bytes of the shortest character of a set: 1, 2 or 4.
+std::size_t CharacterUnit(std::string_view charset);
+
 /// Whether HTTP headers were saved with a document, in front of it.
 bool HasSavedHeaders(std::string_view document);
 

@@ -34,7 +34,7 @@ TEST(Deck, CompiledIsInItsOwnCharacterSetUnlessToldOtherwise) {
        "е"},
       {"UTF-8", Compiled("\x6A", "\xC3\xA5"), "", "UTF-8", CharsetOrigin::kCompiled, "å"},
       {"ill-formed", Compiled("\x6A", "\xC3"), "", "UTF-8", CharsetOrigin::kCompiled, "\uFFFD", 1},
-      {"unknown", Compiled("\x7F", "\xC3\xA5"), "", "UTF-8", CharsetOrigin::kValidUtf8, "å"},
+      {"unknown", Compiled("\x7F", "\xC3\xA5"), "", "UTF-8", CharsetOrigin::kValidUtf8, "å", 1},
       {"none", Compiled(std::string(1, '\0'), "a"), "", "UTF-8", CharsetOrigin::kValidUtf8, "a"},
   };
   for (const auto &item : cases) {

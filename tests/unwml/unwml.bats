@@ -234,7 +234,7 @@ unwml() { "$UNWML" "$@"; }
   head -c 12 c.wmlc >d.wmlc
   run unwml d.wmlc
   [ "$status" = 1 ]
-  [ "$output" = 'unwml: d.wmlc: compiled deck is damaged' ]
+  [ "$output" = 'unwml: d.wmlc: compiled deck is damaged at byte 12: a string has no end' ]
 }
 
 @test "JSON keeps to its schema" {
