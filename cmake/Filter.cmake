@@ -9,6 +9,7 @@ set(VS_WML_SOURCES
     filter/elements/anchor.cpp
     filter/elements/image.cpp
     filter/elements/tag_processing.cpp
+    filter/entry/info.cpp
     filter/entry/read_loop.cpp
     filter/entry/setup.cpp
     filter/entry/stream.cpp

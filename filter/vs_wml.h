@@ -61,6 +61,14 @@
 
 #include <stdint.h>
 
+/** The version of this header, and of the library that comes with it. */
+#define VW_VERSION_MAJOR 0
+#define VW_VERSION_MINOR 1
+#define VW_VERSION_PATCH 0
+
+/** The same as one number, to compare with: 1.2.3 is 10203. */
+#define VW_VERSION (VW_VERSION_MAJOR * 10000 + VW_VERSION_MINOR * 100 + VW_VERSION_PATCH)
+
 #ifdef __cplusplus
 #define VW_NOEXCEPT noexcept
 extern "C" {
@@ -180,8 +188,11 @@ typedef struct RowDescription {
   uint32_t one;         /**< 1 */
   uint32_t inset;       /**< twips, 15 */
   uint32_t alignment;   /**< of the table: SO_TABLE_LEFT, _RIGHT or _CENTER */
-  uint32_t columnCount; /**< 0 to 64: so many SODescribeCell calls follow */
+  uint32_t columnCount; /**< 0 to VW_MAX_COLUMNS: so many SODescribeCell calls follow */
 } RowDescription;
+
+/** The most columns that a table is told with. */
+#define VW_MAX_COLUMNS 64
 
 #define SO_TABLE_LEFT 1u
 #define SO_TABLE_RIGHT 2u
@@ -445,16 +456,26 @@ VW_API void VwSetSoRtn(int16_t slot, VwRoutine routine, WmlProc *instance) VW_NO
 /** Sets the two words that every output routine gets as its last arguments. */
 VW_API void VwSetUser(VwUserWord user1, VwUserWord user2, WmlProc *instance) VW_NOEXCEPT;
 
-/** Answers a question about the library into `out`; 1, or 0 for an unknown one.
- *
- *   1  u16       516, the size of the save block
- *   2  u16       1136            5  u16  440
- *   3  u16       5008            6  u16  14, the number of WmlOverlayId records
- *   4  u16       400             7  u16[14], the id of each WmlOverlayId record
- *   8  char[12]  build date, such as "Mar  1 2002"
- *   9  char[9]   build time, such as "03:52:42"
- *   10 u16 0     11 u16 0        12 u32 0x12345678     13 u32 0
- */
+/** What VwGetInfo is asked, with the type and the value of its answer. The fixed
+ * answers say nothing about this build. */
+enum VwInfo {
+  VW_INFO_SAVE_SIZE = 1,      /**< u16, VW_SAVE_SIZE */
+  VW_INFO_INSTANCE_SIZE = 2,  /**< u16, 1136: an instance's data as the interface counts it */
+  VW_INFO_TABLES_SIZE = 3,    /**< u16, 5008: WmlInit where pointers are 32 bits wide */
+  VW_INFO_FIXED_4 = 4,        /**< u16, 400 */
+  VW_INFO_FIXED_5 = 5,        /**< u16, 440 */
+  VW_INFO_IDENTITY_COUNT = 6, /**< u16, VW_OVERLAY_COUNT */
+  VW_INFO_IDENTITIES = 7,     /**< u16[VW_OVERLAY_COUNT], the id of each WmlOverlayId record */
+  VW_INFO_BUILD_DATE = 8,     /**< char[12], such as "Mar  1 2002" */
+  VW_INFO_BUILD_TIME = 9,     /**< char[9], such as "03:52:42" */
+  VW_INFO_FIXED_10 = 10,      /**< u16, 0 */
+  VW_INFO_FIXED_11 = 11,      /**< u16, 0 */
+  VW_INFO_FIXED_12 = 12,      /**< u32, 0x12345678 */
+  VW_INFO_FIXED_13 = 13       /**< u32, 0 */
+};
+
+/** Writes the answer to one of the VW_INFO_ questions into `out`; 1, or 0, and nothing
+ * written, for any other number. */
 VW_API uint16_t VwGetInfo(void *out, uint16_t query) VW_NOEXCEPT;
 
 /** Size in bytes of the save block. */

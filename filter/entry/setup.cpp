@@ -1,4 +1,4 @@
-// The entry points around an instance: routine table, allocation, slots, information.
+// The entry points around an instance: routine table, allocation, input, slots, save block.
 #include "filter/ground/instance.h"
 
 #include <cstdlib>
@@ -79,68 +79,6 @@ void VwSetUser(VwUserWord user1, VwUserWord user2, WmlProc *proc) noexcept {
   if (proc == nullptr) return;
   proc->userData1 = user1;
   proc->userData2 = user2;
-}
-
-namespace {
-
-uint16_t PutWord16(uint16_t value, void *out) {
-  std::memcpy(out, &value, sizeof value);
-  return 1;
-}
-
-uint16_t PutWord32(uint32_t value, void *out) {
-  std::memcpy(out, &value, sizeof value);
-  return 1;
-}
-
-template <size_t size>
-uint16_t PutText(const char (&text)[size], void *out) {
-  std::memcpy(out, text, size);
-  return 1;
-}
-
-uint16_t PutFilterIds(void *out) {
-  auto *bytes = static_cast<char *>(out);
-  for (const WmlOverlayRecord &record : WmlOverlayId) {
-    PutWord16(static_cast<uint16_t>(record.id[0] | record.id[1] << 8), bytes);
-    bytes += sizeof(uint16_t);
-  }
-  return 1;
-}
-
-}  // namespace
-
-uint16_t VwGetInfo(void *out, uint16_t query) noexcept {
-  if (out == nullptr) return 0;
-  switch (query) {
-    case 1:
-      return PutWord16(VW_SAVE_SIZE, out);
-    case 2:
-      return PutWord16(1136, out);
-    case 3:
-      return PutWord16(5008, out);
-    case 4:
-      return PutWord16(400, out);
-    case 5:
-      return PutWord16(440, out);
-    case 6:
-      return PutWord16(VW_OVERLAY_COUNT, out);
-    case 7:
-      return PutFilterIds(out);
-    case 8:
-      return PutText(VS_WML_BUILD_DATE, out);
-    case 9:
-      return PutText(VS_WML_BUILD_TIME, out);
-    case 10:
-    case 11:
-      return PutWord16(0, out);
-    case 12:
-      return PutWord32(0x12345678, out);
-    case 13:
-      return PutWord32(0, out);
-    default:
-      return 0;
-  }
 }
 
 void VwGetData(void *out, WmlProc *proc) noexcept {

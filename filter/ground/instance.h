@@ -12,7 +12,6 @@
 #include "filter/vs_wml.h"
 
 inline constexpr int TAG_STACK_SIZE = 40;
-inline constexpr int MAX_COLUMNS = 64;
 inline constexpr int MAX_ATTRIBUTES = 17;
 inline constexpr uint16_t NO_INDEX = 0xFFFF;       // no style, no table
 inline constexpr uint32_t NO_STRING = 0xFFFFFFFF;  // no string index of the host's
@@ -80,13 +79,13 @@ inline constexpr uint16_t NOT_PLAIN = 0xFFFF;
 
 // The measurement of one table.
 struct TableRecord {
-  uint32_t filePos;                   // position behind the start tag; the key
-  uint16_t columnCount;               // 0 to MAX_COLUMNS
-  uint16_t rowCount;                  // rows met
-  uint32_t cellBorderWidth;           // twips
-  uint32_t rowInset;                  // twips
-  uint32_t columnWidth[MAX_COLUMNS];  // twips, 0 beyond columnCount
-  uint16_t alignFlags;                // one of TABLE_ALIGN_
+  uint32_t filePos;                      // position behind the start tag; the key
+  uint16_t columnCount;                  // 0 to VW_MAX_COLUMNS
+  uint16_t rowCount;                     // rows met
+  uint32_t cellBorderWidth;              // twips
+  uint32_t rowInset;                     // twips
+  uint32_t columnWidth[VW_MAX_COLUMNS];  // twips, 0 beyond columnCount
+  uint16_t alignFlags;                   // one of TABLE_ALIGN_
   uint16_t reserved[5];
 };
 static_assert(sizeof(TableRecord) == 284);
@@ -117,11 +116,11 @@ struct WmlProc {
   uint16_t stopFlags;   // STOP_ bits; cleared by every VwStreamRead
   uint16_t attrCount;   // attributes of the tag read last
   AttrRef attrList[MAX_ATTRIBUTES];
-  TableRecord *currentTable;        // item of tableArray at tableIndex, or null
-  uint16_t cellFlags[MAX_COLUMNS];  // CELL_ bits of the current row
-  uint32_t cellShade[MAX_COLUMNS];  // background of the current row's cells
-  VwVarArray tableArray;            // TableRecord
-  VwVarArray styleArray;            // StyleRecord, no two equal
+  TableRecord *currentTable;           // item of tableArray at tableIndex, or null
+  uint16_t cellFlags[VW_MAX_COLUMNS];  // CELL_ bits of the current row
+  uint32_t cellShade[VW_MAX_COLUMNS];  // background of the current row's cells
+  VwVarArray tableArray;               // TableRecord
+  VwVarArray styleArray;               // StyleRecord, no two equal
   DerivedStyles derivedStyles;
   VwVarArray typefaceArray;  // names of TYPEFACE_NAME_SIZE bytes
   CellWidths cellWidths;

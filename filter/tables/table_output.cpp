@@ -81,7 +81,7 @@ void OpenTable(WmlProc *proc) {
   save.tableRow = 0;
   save.cellIndex = 0;
   save.tableShade = save.backgroundColor;
-  for (int c = 0; c < MAX_COLUMNS; ++c) {
+  for (int c = 0; c < VW_MAX_COLUMNS; ++c) {
     proc->cellFlags[c] = 0;
     proc->cellShade[c] = save.tableShade;
   }

@@ -83,7 +83,7 @@ struct TableScan {
   bool afterSpace;     // the last character measured was a space
   uint32_t lineWidth;  // of the current line, in character-width units
   uint32_t wordWidth;  // of the current unbreakable run
-  ColumnExtent columns[MAX_COLUMNS];
+  ColumnExtent columns[VW_MAX_COLUMNS];
 };
 
 void Raise(uint32_t value, uint32_t *maximum) {
@@ -93,12 +93,12 @@ void Raise(uint32_t value, uint32_t *maximum) {
 // The column of the current cell, null before the first cell of a row and beyond the
 // last column.
 ColumnExtent *CurrentColumn(TableScan *scan) {
-  return scan->cell >= 1 && scan->cell <= MAX_COLUMNS ? &scan->columns[scan->cell - 1] : nullptr;
+  return scan->cell >= 1 && scan->cell <= VW_MAX_COLUMNS ? &scan->columns[scan->cell - 1] : nullptr;
 }
 
 // Cells beyond the last column are not measured at all.
 bool BeyondColumns(const TableScan *scan) {
-  return scan->cell > MAX_COLUMNS;
+  return scan->cell > VW_MAX_COLUMNS;
 }
 
 void EndRun(TableScan *scan) {
@@ -262,7 +262,7 @@ void ScanCells(TableScan *scan) {
 void CountColumns(TableScan *scan) {
   if (scan->cell == 0) scan->cell = 1;
   EndRun(scan);
-  const uint16_t cells = scan->cell < MAX_COLUMNS ? scan->cell : uint16_t{MAX_COLUMNS};
+  const uint16_t cells = scan->cell < VW_MAX_COLUMNS ? scan->cell : uint16_t{VW_MAX_COLUMNS};
   if (cells > scan->record->columnCount) scan->record->columnCount = cells;
 }
 
@@ -291,7 +291,7 @@ void SkipTable(char *text, WmlProc *proc) {
 
 uint16_t DeclaredColumns(const char *value, const WmlProc *proc) {
   const auto count = static_cast<uint16_t>(StrToLong(value, UNIT_NONE, proc));
-  return count <= MAX_COLUMNS ? count : uint16_t{MAX_COLUMNS};
+  return count <= VW_MAX_COLUMNS ? count : uint16_t{VW_MAX_COLUMNS};
 }
 
 }  // namespace

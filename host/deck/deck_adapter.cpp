@@ -19,6 +19,7 @@
 #include "host/text/plain_text.h"
 #include "host/text/utf8.h"
 #include "host/text/warnings.h"
+#include "vs_wml.h"
 
 namespace vs_wml {
 namespace {
@@ -26,8 +27,6 @@ namespace {
 // What variables and templates may add to a document.
 constexpr std::size_t kBudgetFactor = 4;
 constexpr std::size_t kBudgetBase = 1U << 16U;
-
-constexpr std::size_t kMostColumns = 64;
 
 // An action that leads nowhere is nothing to show.
 bool IsShown(const Action &action) {
@@ -530,7 +529,7 @@ void DeckAdapter::BeginTable(const Token &token) {
     return;
   }
   std::size_t columns = values_.Number(token, "columns");
-  if (columns == 0 || columns > kMostColumns) {
+  if (columns == 0 || columns > VW_MAX_COLUMNS) {
     columns = std::max<std::size_t>(survey_.TableColumns(table_), 1);
   }
   ++table_;

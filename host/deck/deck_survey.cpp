@@ -7,11 +7,10 @@
 #include "host/deck/markup_reader.h"
 #include "host/deck/references.h"
 #include "host/text/ascii.h"
+#include "vs_wml.h"
 
 namespace vs_wml {
 namespace {
-
-constexpr std::uint16_t kMostColumns = 64;
 
 class Surveyor {
  public:
@@ -43,7 +42,7 @@ class Surveyor {
     } else if (is("tr")) {
       if (tableDepth_ == 1) cells_ = 0;
     } else if ((is("td") || is("th")) && tableDepth_ == 1) {
-      cells_ = std::min<std::uint16_t>(static_cast<std::uint16_t>(cells_ + 1), kMostColumns);
+      cells_ = std::min<std::uint16_t>(static_cast<std::uint16_t>(cells_ + 1), VW_MAX_COLUMNS);
       tableColumns.back() = std::max(tableColumns.back(), cells_);
     }
   }

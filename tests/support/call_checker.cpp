@@ -87,7 +87,7 @@ void CallChecker::CloseTable() {
 void CallChecker::DescribeRow(const RowDescription &row) {
   Any();
   if (!inTable_) Fail("a row outside a table");
-  if (row.columnCount > 64) Fail("more than 64 columns");
+  if (row.columnCount > VW_MAX_COLUMNS) Fail("too many columns");
   rowDescribed_ = true;
   cellsDue_ = row.columnCount;
 }
