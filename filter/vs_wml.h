@@ -419,6 +419,12 @@ typedef uint32_t (*SOSetPropertyRoutine)(uint32_t code, uint32_t a, uint32_t b, 
 #define HOST_CS_MAC_TURKISH 0x80030100u
 #define HOST_CS_MAC_GREEK 0x80060100u
 #define HOST_CS_MAC_CE 0x80070100u
+/* Sets of the Macintosh by their numbers there; no document names them, but a save
+ * block can. */
+#define HOST_CS_MAC_5 0x80050100u
+#define HOST_CS_MAC_8 0x80080100u
+#define HOST_CS_MAC_9 0x80090100u
+#define HOST_CS_MAC_10 0x800A0100u
 
 /* -------------------------------------------------------------- entry points */
 

@@ -115,15 +115,19 @@ inline constexpr uint16_t CHARSET_ISO2022_JP = 0x401B;
 inline constexpr uint16_t CHARSET_WINDOWS_1250 = 0x8001;
 inline constexpr uint16_t CHARSET_WINDOWS_1251 = 0x800A;
 inline constexpr uint16_t CHARSET_KOI8_R = 0x800B;
-inline constexpr uint16_t CHARSET_ISO8859_1 = 0x800C;  // part N is CHARSET_ISO8859_1 + N - 1
-inline constexpr uint16_t CHARSET_ISO8859_9 = 0x8014;
+inline constexpr uint16_t CHARSET_ISO8859_1 =
+    0x800C;  // part N is CHARSET_ISO8859_1 + N - 1, N to 9
 inline constexpr uint16_t CHARSET_WINDOWS_1253 = 0x8015;
 inline constexpr uint16_t CHARSET_WINDOWS_1254 = 0x8016;  // to 1257 in order
-inline constexpr uint16_t CHARSET_WINDOWS_1257 = 0x8019;
 inline constexpr uint16_t CHARSET_MAC_ROMAN = 0x801D;
 inline constexpr uint16_t CHARSET_MAC_TURKISH = 0x801E;
 inline constexpr uint16_t CHARSET_MAC_GREEK = 0x8020;
 inline constexpr uint16_t CHARSET_MAC_CE = 0x8021;
+// Sets without a name that a document could give.
+inline constexpr uint16_t CHARSET_MAC_5 = 0x801F;
+inline constexpr uint16_t CHARSET_MAC_8 = 0x8022;
+inline constexpr uint16_t CHARSET_MAC_9 = 0x8023;
+inline constexpr uint16_t CHARSET_MAC_10 = 0x8024;
 
 inline constexpr uint16_t CHARSETF_MULTI_BYTE = 0x6000;
 inline constexpr uint16_t CHARSETF_UNICODE = 0x1000;
