@@ -197,6 +197,17 @@ inline constexpr int STYLE_TEMPLATE_COUNT = 16;
 inline constexpr int KEYWORD_ROMAN = 0;
 inline constexpr int KEYWORD_HELVETICA = 1;
 inline constexpr int KEYWORD_COURIER = 2;
+inline constexpr int KEYWORD_NATIONAL_1250 =
+    3;  // typefaces of the identities, all of them nameless
+inline constexpr int KEYWORD_NATIONAL_EUC_JP = 4;
+inline constexpr int KEYWORD_NATIONAL_SJIS = 5;
+inline constexpr int KEYWORD_NATIONAL_JIS = 6;
+inline constexpr int KEYWORD_NATIONAL_BIG5 = 7;
+inline constexpr int KEYWORD_NATIONAL_GB = 8;
+inline constexpr int KEYWORD_NATIONAL_EUC_CN = 9;
+inline constexpr int KEYWORD_NATIONAL_KOREAN = 10;
+inline constexpr int KEYWORD_NATIONAL_1251 = 11;
+inline constexpr int KEYWORD_NATIONAL_KOI8_R = 12;
 inline constexpr int KEYWORD_RIGHT = 21;
 inline constexpr int KEYWORD_CENTER = 22;
 inline constexpr int KEYWORD_BLEED_RIGHT = 24;
