@@ -37,10 +37,8 @@ void SendChar(uint16_t c, WmlProc *proc) {
   }
 }
 
-// White space after white space, or at the start of a paragraph, is dropped.
 void SendBlank(WmlProc *proc) {
-  const uint16_t last = proc->save.lastChar;
-  if (last != 0 && last != ' ') SendChar(' ', proc);
+  if (!DropsBlank(proc->save.lastChar)) SendChar(' ', proc);
 }
 
 void PutPreformatted(uint16_t c, WmlProc *proc) {

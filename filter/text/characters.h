@@ -7,6 +7,12 @@
 
 #include "filter/ground/instance.h"
 
+// White space sends nothing behind white space and at the start of a paragraph; `last` is
+// lastChar of the save block.
+constexpr bool DropsBlank(uint16_t last) {
+  return last == 0 || last == ' ';
+}
+
 // Sends an item that is a character or a reference: `ch` and `text` as the item reader gave them.
 void PutItemText(ItemRecord item, uint16_t ch, const char *text, WmlProc *proc);
 

@@ -2,7 +2,6 @@
 
 #include "filter/input/decoder.h"
 #include "filter/lexer/reference.h"
-#include "filter/text/characters.h"
 
 namespace {
 
@@ -61,10 +60,6 @@ void Send(uint16_t c, const uint8_t *behind, VwCharBuffer *input, WmlProc *proc)
   SOEmitChar(c, proc);
 }
 
-bool IsBlank(uint16_t c) {
-  return c == 0 || c == ' ';
-}
-
 // A character that is looked at without being read is one whose pushing back leaves no
 // trace.
 bool CanPeek(uint8_t byte, const TextRun &run) {
@@ -86,7 +81,7 @@ Taken SendPairs(const uint8_t *at, uint8_t leadSet, WmlProc *proc) {
 // White space and control bytes. A tab is white space only outside tables.
 Taken TakeControl(const uint8_t *at, const TextRun &run, uint16_t last, WmlProc *proc) {
   if (run.preformatted || IsCharsetControl(*at)) return {nullptr, last};
-  if (*at != '\t' || run.inTable || IsBlank(last)) return {at + 1, last};
+  if (*at != '\t' || run.inTable || DropsBlank(last)) return {at + 1, last};
   Send(' ', at + 1, proc->input, proc);
   return {at + 1, ' '};
 }

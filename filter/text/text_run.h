@@ -5,6 +5,7 @@
 #include "filter/ground/callbacks.h"
 #include "filter/ground/instance.h"
 #include "filter/ground/short_cuts.h"
+#include "filter/text/characters.h"
 
 // What a byte sends, and which half of the table its successor is looked up in.
 struct SendEntry {
@@ -53,7 +54,7 @@ struct Taken {
 Taken TakeSpecial(const uint8_t *at, const TextRun &run, uint16_t last, WmlProc *proc);
 
 inline const SendEntry *TableHalf(const TextRun &run, uint16_t last) {
-  return run.table + (last == 0 || last == ' ' ? SENDS_AFTER_BLANK : 0);
+  return run.table + (DropsBlank(last) ? SENDS_AFTER_BLANK : 0);
 }
 
 // Sends the text at the input as far as it lies in the buffer and is plain: characters,
