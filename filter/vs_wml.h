@@ -45,7 +45,7 @@
  * reads as nothing: VwStreamRead and VwStreamSection return 0 without a call.
  *
  * Memory. An instance takes 3.6 KB, its input buffer 2 KB and the scratch strings of a
- * read at most 8 KB, whatever the length of the document; and the stream keeps 284 bytes
+ * read at most 8 KB, whatever the length of the document; and the stream keeps 272 bytes
  * for each table and 16 for each distinct style, with up to half of that again in
  * reserve. Nothing else is allocated, and a scratch string once for all its uses.
  *

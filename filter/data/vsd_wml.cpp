@@ -440,6 +440,16 @@ constexpr bool NamesFit(size_t maximum, const NameRecord (&table)[rowCount]) {
   return true;
 }
 
+// No element takes a template that leaves the alignment to the tag: none is applied.
+constexpr bool TemplatesAlign() {
+  for (const NameRecord &tag : WmlInit.tags) {
+    const StyleRecord &style = WmlInit.styleTemplates[tag.value >> 16];
+    if (style.paraFlags & PARA_ALIGN_FROM_TAG) return false;
+  }
+  return true;
+}
+
+static_assert(TemplatesAlign());
 static_assert(NamesFit(NAME_KEY_MAX, WmlInit.tags));
 static_assert(NamesFit(NAME_KEY_MAX, WmlInit.entities));
 static_assert(NamesFit(ATTRIB_NAME_MAX, WmlInit.attributes));

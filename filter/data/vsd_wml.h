@@ -166,7 +166,7 @@ inline constexpr uint32_t ATTR_CLEAR_UNDERLINE = 0x4;
 inline constexpr uint32_t CLEAR_ATTRIBUTES = 0x3FF;
 
 // StyleRecord::paraFlags: one alignment (also WmlSave::paraAlign) and one layout.
-inline constexpr uint8_t PARA_ALIGN_FROM_TAG = 0x01;  // in templates
+inline constexpr uint8_t PARA_ALIGN_FROM_TAG = 0x01;  // in a template that no element has
 inline constexpr uint8_t PARA_ALIGN_LEFT = 0x02;
 inline constexpr uint8_t PARA_ALIGN_CENTER = 0x04;
 inline constexpr uint8_t PARA_ALIGN_RIGHT = 0x08;

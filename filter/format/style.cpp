@@ -1,9 +1,7 @@
 #include "filter/format/style.h"
 
 #include <bit>
-#include <initializer_list>
 
-#include "filter/attributes/alignment.h"
 #include "filter/format/typeface.h"
 #include "filter/ground/callbacks.h"
 #include "filter/ground/short_cuts.h"
@@ -60,21 +58,11 @@ void ApplyCharAttributes(uint32_t templateAttrs, StyleRecord *target) {
   }
 }
 
-uint8_t TemplateAlignment(uint8_t alignment, WmlProc *proc) {
-  if (alignment & PARA_ALIGN_FROM_TAG) return static_cast<uint8_t>(CheckJustify(proc));
-  for (const uint8_t bit : {PARA_ALIGN_RIGHT, PARA_ALIGN_CENTER, PARA_ALIGN_JUSTIFIED}) {
-    if (alignment & bit) return bit;
-  }
-  return PARA_ALIGN_LEFT;
-}
-
 void ReplaceParaFlags(uint8_t mask, uint8_t flags, StyleRecord *target) {
   target->paraFlags = static_cast<uint8_t>((target->paraFlags & ~mask) | flags);
 }
 
-}  // namespace
-
-void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *proc) {
+void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target) {
   target->templateId = styleTemplate.templateId;
   if (styleTemplate.pointSize != 0) target->pointSize = styleTemplate.pointSize;
   ApplyCharAttributes(styleTemplate.charAttrs, target);
@@ -83,7 +71,7 @@ void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *
                       ? int16_t{0}
                       : static_cast<int16_t>(target->level + styleTemplate.level);
   const uint8_t alignment = styleTemplate.paraFlags & PARA_ALIGN_MASK;
-  if (alignment != 0) ReplaceParaFlags(PARA_ALIGN_MASK, TemplateAlignment(alignment, proc), target);
+  if (alignment != 0) ReplaceParaFlags(PARA_ALIGN_MASK, alignment, target);
   if (styleTemplate.paraFlags & PARA_ORDINARY) {
     ReplaceParaFlags(PARA_LAYOUT_MASK, PARA_ORDINARY, target);
   } else if (styleTemplate.paraFlags & PARA_PREFORMATTED) {
@@ -92,12 +80,10 @@ void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *
   if (styleTemplate.typeface != 0) target->typeface = styleTemplate.typeface;
 }
 
-namespace {
-
 uint16_t DeriveStyle(uint16_t current, uint8_t styleClass, WmlProc *proc) {
   const StyleRecord *from = StyleRetrieve(current, proc);
   StyleRecord style = from != nullptr ? *from : BaseStyle(proc);
-  StyleApply(WmlInit.styleTemplates[styleClass], &style, proc);
+  StyleApply(WmlInit.styleTemplates[styleClass], &style);
   return StyleStore(style, proc);
 }
 
@@ -111,8 +97,7 @@ uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc) {
   if (known != NO_INDEX) return known;
   const bool isStored = current < proc->styleArray.count;
   const uint16_t derived = DeriveStyle(current, styleClass, proc);
-  const bool fromTag = (WmlInit.styleTemplates[styleClass].paraFlags & PARA_ALIGN_FROM_TAG) != 0;
-  if (isStored && !fromTag) proc->derivedStyles.of[current][styleClass] = derived;
+  if (isStored) proc->derivedStyles.of[current][styleClass] = derived;
   return derived;
 }
 

@@ -19,10 +19,6 @@ inline const StyleRecord *StyleRetrieve(uint16_t index, const WmlProc *proc) {
   return index < proc->styleArray.count ? styles + index : nullptr;
 }
 
-// Applies a style template to a style. A template that takes its alignment from the
-// tag reads the `align` attribute of the tag being processed.
-void StyleApply(const StyleRecord &styleTemplate, StyleRecord *target, WmlProc *proc);
-
 // The index of the current style with a template applied, NO_INDEX for a styleClass
 // without a template.
 uint16_t StyleSelect(uint8_t styleClass, WmlProc *proc);

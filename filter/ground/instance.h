@@ -81,22 +81,19 @@ inline constexpr uint16_t NOT_PLAIN = 0xFFFF;
 struct TableRecord {
   uint32_t filePos;                      // position behind the start tag; the key
   uint16_t columnCount;                  // 0 to VW_MAX_COLUMNS
-  uint16_t rowCount;                     // rows met
+  uint16_t alignFlags;                   // one of TABLE_ALIGN_
   uint32_t cellBorderWidth;              // twips
   uint32_t rowInset;                     // twips
   uint32_t columnWidth[VW_MAX_COLUMNS];  // twips, 0 beyond columnCount
-  uint16_t alignFlags;                   // one of TABLE_ALIGN_
-  uint16_t reserved[5];
 };
-static_assert(sizeof(TableRecord) == 284);
+static_assert(sizeof(TableRecord) == 272);
 
 inline constexpr uint16_t TABLE_ALIGN_LEFT = 0x0100;
 inline constexpr uint16_t TABLE_ALIGN_RIGHT = 0x0200;
 inline constexpr uint16_t TABLE_ALIGN_CENTER = 0x0400;
 
-// What the templates made of the first styles that are stored; NO_INDEX = not known, or not
-// always the same, as with a template that takes its alignment from the tag. Styles never
-// change once stored.
+// What the templates made of the first styles that are stored; NO_INDEX = not known. Styles
+// never change once stored.
 inline constexpr uint16_t DERIVED_FROM_COUNT = 16;
 struct DerivedStyles {
   uint16_t of[DERIVED_FROM_COUNT][STYLE_TEMPLATE_COUNT];  // [style][template]

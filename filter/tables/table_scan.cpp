@@ -193,7 +193,6 @@ void MeasureImage(TableScan *scan) {
 }
 
 void BeginRow(TableScan *scan) {
-  ++scan->record->rowCount;
   scan->inRow = true;
   scan->inCell = false;
   scan->cell = 0;
