@@ -48,6 +48,11 @@ endfunction()
 add_library(vs_wml_objects OBJECT EXCLUDE_FROM_ALL ${VS_WML_SOURCES})
 vs_wml_filter_code(vs_wml_objects)
 
+# The filter without its short cuts, which the tests hold against the one with them.
+add_library(vs_wml_road MODULE EXCLUDE_FROM_ALL ${VS_WML_SOURCES})
+vs_wml_filter_code(vs_wml_road)
+target_compile_definitions(vs_wml_road PRIVATE VS_WML_NO_SHORT_CUTS)
+
 add_library(vs_wml SHARED ${VS_WML_SOURCES})
 vs_wml_filter_code(vs_wml)
 # Optimised as a whole: the small functions of one subsystem are called from the loops of

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Makes the seeds of the fuzz targets from the test cases.
 
-    make_corpus.py OUT CASES...     OUT/filter, OUT/savedata, OUT/unwml, OUT/adapter
-                                    and OUT/wmlc
+    make_corpus.py OUT CASES...     OUT/filter, OUT/savedata, OUT/short_cuts, OUT/unwml,
+                                    OUT/adapter and OUT/wmlc
 """
 import pathlib
 import re
@@ -19,6 +19,9 @@ def seeds(path):
     # Read in one go; stopped everywhere and restored; a few bytes at a time and out of memory.
     for header in (b"\0\0\0\0", b"\0\xff\1\0", b"\7\x05\0\x0c"):
         yield "filter", bytes([identity]) + header + document
+    # Read in one go; stopped now and then and gone back to; with forged modes and bytes that end.
+    for header in (b"\0\0\0\0", b"\x11\x24\1\0", b"\0\x01\x0a\0\1\1\x08\1\xff"):
+        yield "short_cuts", bytes([identity]) + header + document
     yield "savedata", bytes([identity, 0x80]) + bytes(SAVE_SIZE) + document
     yield "unwml", b"\0" + document
     yield "unwml", bytes([identity + 1]) + document

@@ -1,8 +1,6 @@
 // Documents with the calls that a host must receive for them: cases/NAME.wml and
 // cases/NAME.calls. Every case meets several hosts.
 //
-// A number in the name is the identity (NAME.1160.wml), 1151 without. `.once` marks a
-// document that reads differently when it is restored from a save block.
 // VS_WML_UPDATE_CASES=1 in the environment rewrites the .calls files.
 //
 // SPDX-License-Identifier: MIT
@@ -10,52 +8,14 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <vector>
 
+#include "tests/support/case_files.h"
 #include "tests/support/session.h"
 
 namespace vs_wml::test {
 namespace {
-
-struct Case {
-  std::filesystem::path document;
-  std::int16_t identity = 1151;
-  bool once = false;
-
-  std::filesystem::path Calls() const {
-    return std::filesystem::path(document).replace_extension(".calls");
-  }
-};
-
-std::string ReadFile(const std::filesystem::path &path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-Case FromPath(const std::filesystem::path &path) {
-  Case result{path};
-  std::filesystem::path name = path.stem();
-  for (; name.has_extension(); name = name.stem()) {
-    const std::string part = name.extension().string().substr(1);
-    if (part == "once") {
-      result.once = true;
-    } else {
-      result.identity = static_cast<std::int16_t>(std::stoi(part));
-    }
-  }
-  return result;
-}
-
-std::vector<Case> AllCases() {
-  std::vector<Case> cases;
-  for (const auto &entry : std::filesystem::directory_iterator(VS_WML_TEST_CASES)) {
-    if (entry.path().extension() == ".wml") cases.push_back(FromPath(entry.path()));
-  }
-  std::ranges::sort(cases, {}, &Case::document);
-  return cases;
-}
 
 /// The last line of `text` that begins with `start`, its end included.
 std::string LastLine(const std::string &text, const std::string &start) {
@@ -184,10 +144,7 @@ TEST_P(CaseTest, RepeatsWhatFollowedASavedState) {
 
 INSTANTIATE_TEST_SUITE_P(Documents, CaseTest, testing::ValuesIn(AllCases()),
                          [](const testing::TestParamInfo<Case> &which) {
-                           std::string name = which.param.document.stem().string();
-                           std::ranges::replace_if(
-                               name, [](char c) { return c == '.' || c == '-'; }, '_');
-                           return name;
+                           return which.param.Name();
                          });
 
 }  // namespace

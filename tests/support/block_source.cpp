@@ -26,6 +26,7 @@ std::uint32_t Read(VwHandle self, void *buffer, std::uint32_t wanted, std::uint3
   std::memset(buffer, 0xEE, std::min<std::uint32_t>(wanted, 64));
   *delivered = wanted;
   if (Fails(source.reads, source.faults.readAt, source.faults.forever)) return 5;
+  if (source.position >= source.faults.readFrom) return 5;
   if (source.budget != 0 && source.bytes >= source.budget) return 5;
   std::uint32_t count = source.position < source.length ? source.length - source.position : 0;
   count = std::min(count, wanted);

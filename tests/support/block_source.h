@@ -14,12 +14,13 @@ namespace vs_wml::test {
 
 /// What a host does wrong at its n-th call of one kind, counted from 1; 0: never.
 struct BlockFaults {
-  std::uint64_t readAt = 0;     ///< this read fails
-  std::uint64_t seekAt = 0;     ///< this seek fails and does not move
-  std::uint64_t tellAt = 0;     ///< this tell fails and stores nothing
-  bool forever = false;         ///< and so does every later call of that kind
-  std::uint32_t tellLie = 0;    ///< added to every position told
-  std::uint32_t overclaim = 0;  ///< added to the count of every read but the last
+  std::uint64_t readAt = 0;             ///< this read fails
+  std::uint64_t seekAt = 0;             ///< this seek fails and does not move
+  std::uint64_t tellAt = 0;             ///< this tell fails and stores nothing
+  bool forever = false;                 ///< and so does every later call of that kind
+  std::uint32_t readFrom = 0xFFFFFFFF;  ///< reads at this position and behind it fail
+  std::uint32_t tellLie = 0;            ///< added to every position told
+  std::uint32_t overclaim = 0;          ///< added to the count of every read but the last
 };
 
 /// The bytes of `text`, repeated to fill `length`. The record comes first, so that

@@ -30,6 +30,7 @@ struct Host::Routines {
     auto *host = reinterpret_cast<Host *>(user1);
     if (user2 != Complement(host)) std::abort();
     ++host->calls;
+    if (host->watch) host->watch();
     return *host;
   }
 
@@ -179,12 +180,12 @@ struct Host::Routines {
   }
 };
 
-void Host::Install(WmlProc *instance) {
+void Host::Install(WmlProc *instance, const Library &library) {
   for (std::int16_t slot = 1; slot <= VW_SLOT_COUNT; ++slot) {
-    VwSetSoRtn(slot, Erase(UncalledSlot), instance);
+    library.setSoRtn(slot, Erase(UncalledSlot), instance);
   }
-  const auto set = [instance](VwSlot slot, auto routine) {
-    VwSetSoRtn(static_cast<std::int16_t>(slot), Erase(routine), instance);
+  const auto set = [instance, &library](VwSlot slot, auto routine) {
+    library.setSoRtn(static_cast<std::int16_t>(slot), Erase(routine), instance);
   };
   set(SLOT_EMIT_CHAR, Routines::EmitChar);
   set(SLOT_EMIT_CONTROL_CODE, Routines::EmitControlCode);
@@ -209,7 +210,7 @@ void Host::Install(WmlProc *instance) {
   set(SLOT_OPEN_REFERENCE, Routines::OpenReference);
   set(SLOT_DESCRIBE_CELL, Routines::DescribeCell);
   set(SLOT_SET_PROPERTY, Routines::SetProperty);
-  VwSetUser(reinterpret_cast<VwUserWord>(this), Complement(this), instance);
+  library.setUser(reinterpret_cast<VwUserWord>(this), Complement(this), instance);
 }
 
 std::string Host::Text() {
@@ -222,35 +223,35 @@ std::string Host::Announced() {
   return announcedText_.str();
 }
 
-Session::Session(BlockSource &source, Host &host)
-    : source_(source), host_(host), instance_(VwAllocProc()) {
-  VwLocalUp(source.Handle(), &chr_, instance_);
-  if (instance_ != nullptr) host.Install(instance_);
+Session::Session(BlockSource &source, Host &host, const Library &library)
+    : library_(library), source_(source), host_(host), instance_(library.allocProc()) {
+  library.localUp(source.Handle(), &chr_, instance_);
+  if (instance_ != nullptr) host.Install(instance_, library);
 }
 
 Session::~Session() {
-  VwStreamClose(chr_, instance_);
+  library_.streamClose(chr_, instance_);
   VwHandle block = 1;
-  VwLocalDown(chr_, &block);
+  library_.localDown(chr_, &block);
   if (block != (chr_ == 0 ? 0 : source_.Handle())) std::abort();
-  VwFreeProc(instance_);
+  library_.freeProc(instance_);
 }
 
 VwFileInfo Session::Open(std::int16_t identity) {
   VwFileInfo info{};
-  VwStreamOpen(chr_, identity, 0, &info, instance_);
+  library_.streamOpen(chr_, identity, 0, &info, instance_);
   return info;
 }
 
 void Session::Section() {
-  VwStreamSection(chr_, instance_);
+  library_.streamSection(chr_, instance_);
 }
 
 bool Session::Read() {
   const std::uint64_t before = host_.calls;
   host_.checker.BeginRead();
   host_.announcing = resumed_;
-  VwStreamRead(chr_, instance_);
+  library_.streamRead(chr_, instance_);
   host_.announcing = false;
   host_.checker.EndRead(host_.calls - before);
   resumed_ = true;
@@ -259,24 +260,24 @@ bool Session::Read() {
 
 std::uint32_t Session::Tell() const {
   VwStreamPos position{};
-  VwStreamTell(chr_, &position);
+  library_.streamTell(chr_, &position);
   return position.offset;
 }
 
 std::int32_t Session::Seek(std::uint32_t offset) const {
   const VwStreamPos position{0, offset};
-  return VwStreamSeek(chr_, &position);
+  return library_.streamSeek(chr_, &position);
 }
 
 SavedState Session::Save() const {
   SavedState state;
-  VwGetData(state.block.data(), instance_);
+  library_.getData(state.block.data(), instance_);
   state.position = Tell();
   return state;
 }
 
 void Session::Restore(const SavedState &state) const {
-  VwSetData(state.block.data(), instance_);
+  library_.setData(state.block.data(), instance_);
   Seek(state.position);
 }
 

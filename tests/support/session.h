@@ -14,6 +14,7 @@
 #include "host/writers/trace.h"
 #include "tests/support/block_source.h"
 #include "tests/support/call_checker.h"
+#include "tests/support/library.h"
 #include "vs_wml.h"
 
 namespace vs_wml::test {
@@ -34,7 +35,7 @@ class Host {
   Host &operator=(const Host &) = delete;
 
   /// Puts a routine into all 118 slots and the user words of this host into the instance.
-  void Install(WmlProc *instance);
+  void Install(WmlProc *instance, const Library &library = LinkedLibrary());
 
   /// The calls so far, one a line.
   std::string Text();
@@ -43,6 +44,8 @@ class Host {
 
   /// The answer to a break of that kind.
   std::function<std::uint32_t(std::uint32_t kind)> answerBreak;
+  /// Called at the start of every output routine.
+  std::function<void()> watch;
   bool tracing = true;  ///< false: calls are checked and counted only
   bool storing = true;  ///< false: strings and references are not answered
 
@@ -69,13 +72,15 @@ class Host {
 struct SavedState {
   std::array<std::uint8_t, VW_SAVE_SIZE> block{};
   std::uint32_t position = 0;
+  bool operator==(const SavedState &) const = default;
 };
 
-/// An instance from VwAllocProc to VwFreeProc. With a heap that fails, `Attached` tells
+/// An instance from VwAllocProc to VwFreeProc, of the linked library unless another is
+/// given, which has to outlive it. With a heap that fails, `Attached` tells
 /// how far it came; every member is safe to call all the same.
 class Session {
  public:
-  Session(BlockSource &source, Host &host);
+  Session(BlockSource &source, Host &host, const Library &library = LinkedLibrary());
   ~Session();
   Session(const Session &) = delete;
   Session &operator=(const Session &) = delete;
@@ -94,6 +99,7 @@ class Session {
   void Restore(const SavedState &state) const;
 
  private:
+  const Library &library_;
   BlockSource &source_;
   Host &host_;
   WmlProc *instance_;
