@@ -134,7 +134,8 @@ bool WriteWithout(const Document &document, Form form, std::uint64_t at, bool fo
     told = true;
     EXPECT_STREQ(failure.what(), "out of memory");
   }
-  EXPECT_TRUE(told || written == expected || WithoutTypefaces(written) == WithoutTypefaces(expected))
+  EXPECT_TRUE(told || written == expected ||
+              WithoutTypefaces(written) == WithoutTypefaces(expected))
       << "allocation " << at << ":\n"
       << written;
   return failures != 0;
