@@ -287,9 +287,9 @@ typedef uint32_t (*SODeclareSectionRoutine)(uint32_t zero0, uint32_t zero1, uint
                                             VwUserWord user1, VwUserWord user2);
 
 /** Slot 20: the filter cannot go on: the filter identity is not served (from
- * VwStreamOpen) or the heap is exhausted (from VwStreamRead, which closes what is
- * open and still ends with SO_BREAK_DOCUMENT, unless the host has just stopped
- * it). `zero` is 0. */
+ * VwStreamOpen) or the heap is exhausted or the document has too many tables (from
+ * VwStreamRead, which closes what is open and still ends with SO_BREAK_DOCUMENT, unless the host
+ * has just stopped it). `zero` is 0. */
 typedef uint32_t (*SOAbortStreamRoutine)(uint32_t zero, VwUserWord user1, VwUserWord user2);
 
 /** Slot 31: selects a font of the font list by its number, 0 the default font. */
@@ -315,8 +315,10 @@ typedef uint32_t (*SOAddFontListEntryRoutine)(uint32_t fontNumber, uint32_t fami
 /** Slot 36: end of the font list. */
 typedef uint32_t (*SOCloseFontListRoutine)(VwUserWord user1, VwUserWord user2);
 
-/** Slot 40: start of a table. Tables do not nest. */
+/** Slot 40: start of a table. Tables do not nest, and a stream has VW_MAX_TABLES at
+ * most: where the next one begins, the filter calls SOAbortStream. */
 typedef uint32_t (*SOOpenTableRoutine)(VwUserWord user1, VwUserWord user2);
+#define VW_MAX_TABLES 65535u
 
 /** Slot 41: end of a table, after its last row. */
 typedef uint32_t (*SOCloseTableRoutine)(VwUserWord user1, VwUserWord user2);

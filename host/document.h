@@ -34,11 +34,11 @@ struct TextStyle {
 inline constexpr std::uint16_t kOrdinaryHalfPoints = 24;
 
 /// A hyperlink, or a field of a form. One that goes on over several blocks appears in
-/// each of them.
+/// each of them, with views of the same texts.
 struct Link {
   std::uint32_t number = 0;  ///< 1, 2, 3, ... in the document
-  std::string target;        ///< as the document has it, references resolved
-  std::string title;         ///< empty: none
+  std::string_view target;   ///< as the document has it, references resolved
+  std::string_view title;    ///< empty: none
   /// What following it does; null in a document that was not adapted.
   const Action *action = nullptr;
   std::size_t actionIndex = kNoIndex;  ///< of the action in DeckParts::actions

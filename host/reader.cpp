@@ -9,15 +9,19 @@
 
 namespace vs_wml {
 
-void CheckRead(const BlockSource &source, const Deck &deck, bool aborted) {
+void CheckRead(const BlockSource &source, const Deck &deck, const ReadOutcome &outcome) {
   if (source.Exhausted()) {
     throw ReadFailure("given up: its tables make the reader go over it again and again (" +
                       std::to_string(source.Served()) + " bytes read of " +
                       std::to_string(deck.bytes.size()) + ")");
   }
-  if (!aborted) return;
-  throw ReadFailure(IsFilterIdentity(deck.identity) ? "out of memory"
-                                                    : "the filter identity is not served");
+  if (outcome.ended && !outcome.aborted) return;
+  if (!IsFilterIdentity(deck.identity)) throw ReadFailure("the filter identity is not served");
+  if (outcome.tables == VW_MAX_TABLES) {
+    throw ReadFailure("given up at table " + std::to_string(VW_MAX_TABLES + 1) +
+                      ": the filter reads no more in a document; what comes before it was read");
+  }
+  throw ReadFailure("out of memory");
 }
 
 void ReadDeck(const Deck &deck, BlockSink &sink) {
@@ -27,13 +31,13 @@ void ReadDeck(const Deck &deck, BlockSink &sink) {
   {
     Stream stream(source, deck.identity, builder.Routines(), &builder);
     builder.Attach(stream);
-    if (!builder.Aborted()) {
+    if (!builder.Outcome().aborted) {
       stream.Section();
       stream.Read();
     }
   }
   builder.Rethrow();
-  CheckRead(source, deck, builder.Aborted() || !builder.Done());
+  CheckRead(source, deck, builder.Outcome());
   sink.EndDocument(deck.info);
 }
 

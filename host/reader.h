@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "host/blocks/block_source.h"
+#include "host/blocks/guarded_host.h"
 #include "host/deck.h"
 #include "host/document.h"
 
@@ -25,8 +26,8 @@ class ReadFailure : public std::runtime_error {
 /// throws; the blocks up to there have been handed over then.
 void ReadDeck(const Deck &deck, BlockSink &sink);
 
-/// Throws ReadFailure when reading the deck through `source` was given up.
-void CheckRead(const BlockSource &source, const Deck &deck, bool aborted);
+/// Throws ReadFailure, which says why, when the deck was not read to its end through `source`.
+void CheckRead(const BlockSource &source, const Deck &deck, const ReadOutcome &outcome);
 
 /// Reads a deck and writes each call of the filter as a line. Throws ReadFailure.
 void TraceDeck(const Deck &deck, std::ostream &out);

@@ -240,6 +240,8 @@ void BlockBuilder::StartContent() {
     links_.resize(1);
     link_ = 0;
   }
+  // The open link is the last one.
+  while (linkTexts_.size() > links_.size()) linkTexts_.pop_front();
 }
 
 Content BlockBuilder::CurrentContent() const {
@@ -336,11 +338,11 @@ void BlockBuilder::EndParagraph() {
 }
 
 void BlockBuilder::EndDocument() {
-  if (documentEnded_) return;
+  if (outcome_.ended) return;
   if (inTable_) CloseTable();
   EndParagraph();
   LeaveCard();
-  documentEnded_ = true;
+  outcome_.ended = true;
 }
 
 // --------------------------------------------------------------------- cards
@@ -397,6 +399,7 @@ void BlockBuilder::LeaveCard() {
 // -------------------------------------------------------------------- tables
 
 void BlockBuilder::OpenTable() {
+  ++outcome_.tables;
   EndParagraph();
   StartContent();
   emptyLines_ = 0;
@@ -594,9 +597,10 @@ void BlockBuilder::OpenLink(std::uint32_t /*code*/, std::uint32_t number,
     return;
   }
   link.number = number;
-  link.target = WholeValue(reference_.target, "a", "href");
+  LinkText &text = linkTexts_.emplace_back();
+  link.target = text.target = WholeValue(reference_.target, "a", "href");
   if ((record->flags & SO_LINK_HAS_TITLE) != 0 && storedStrings_ != 0) {
-    link.title = CleanText(AttributeText(storedStrings_ - 1));
+    link.title = text.title = CleanText(AttributeText(storedStrings_ - 1));
   }
 }
 

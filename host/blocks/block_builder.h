@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <vector>
@@ -30,12 +31,11 @@ class BlockBuilder : public GuardedHost {
   /// The routines to open the stream with, and the builder's address as user word.
   std::span<const OutputRoutine> Routines() const;
 
-  /// Whether the document has ended.
-  bool Done() const { return documentEnded_; }
-  /// Whether the filter gave the stream up for want of memory.
-  bool Aborted() const { return aborted_; }
-
  private:
+  struct LinkText {
+    std::string target;
+    std::string title;
+  };
   struct Reference {
     std::uint32_t id = 0;
     std::string target;
@@ -48,7 +48,7 @@ class BlockBuilder : public GuardedHost {
   void ControlCode(std::uint32_t code);
   void CharSize(std::uint32_t halfPoints);
   void Break(std::uint32_t kind, std::uint32_t zero);
-  void Abort(std::uint32_t /*zero*/) { aborted_ = true; }
+  void Abort(std::uint32_t /*zero*/) { outcome_.aborted = true; }
   void OpenTable();
   void CloseTable();
   void InsertGraphic(const GraphicRecord *graphic);
@@ -99,8 +99,6 @@ class BlockBuilder : public GuardedHost {
 
   const Deck &deck_;
   BlockSink &sink_;
-  bool documentEnded_ = false;
-  bool aborted_ = false;
 
   // Characters.
   std::uint32_t charset_ = HOST_CS_UNICODE;
@@ -115,6 +113,7 @@ class BlockBuilder : public GuardedHost {
   TextBuffer text_;
   std::vector<Run> runs_;
   std::vector<Link> links_;
+  std::deque<LinkText> linkTexts_;  ///< of links_, where no action has them
   std::vector<Image> images_;
   std::size_t runStart_ = 0;
   TextStyle style_;

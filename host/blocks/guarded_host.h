@@ -5,12 +5,20 @@
 #ifndef VS_WML_HOST_BLOCKS_GUARDED_HOST_H
 #define VS_WML_HOST_BLOCKS_GUARDED_HOST_H
 
+#include <cstdint>
 #include <exception>
 #include <functional>
 
 #include "host/blocks/stream.h"
 
 namespace vs_wml {
+
+/// How far the filter has come.
+struct ReadOutcome {
+  bool ended = false;        ///< it has told the end of the document
+  bool aborted = false;      ///< it has given the stream up
+  std::uint32_t tables = 0;  ///< it has opened so many
+};
 
 /// A host of the filter, which exceptions must not cross. Its output routines are members
 /// that take the routine's arguments without the two user words, the first of which is the
@@ -24,7 +32,7 @@ class GuardedHost {
 
   /// The stream that the routines are called from; to be set before it reads.
   void Attach(Stream &stream) { stream_ = &stream; }
-  bool Failed() const { return failure_ != nullptr; }
+  const ReadOutcome &Outcome() const { return outcome_; }
   /// Throws what a member has thrown.
   void Rethrow() const {
     if (failure_) std::rethrow_exception(failure_);
@@ -34,6 +42,7 @@ class GuardedHost {
   ~GuardedHost() = default;
 
   const Stream &Source() const { return *stream_; }
+  ReadOutcome outcome_;
 
   /// The routine that calls a member of the host; a failure is answered with SO_STOP.
   template <typename Host, auto kMember, typename Class, typename... Arguments>

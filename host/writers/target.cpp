@@ -47,7 +47,7 @@ bool IsSafeSource(std::string_view source) {
 }
 
 std::string LinkTargetText(const Link &link) {
-  if (link.action == nullptr) return link.target;
+  if (link.action == nullptr) return std::string(link.target);
   const Task &task = link.action->task;
   switch (task.kind) {
     case TaskKind::kPrevious:
@@ -59,8 +59,9 @@ std::string LinkTargetText(const Link &link) {
     default:
       return "(nothing)";
   }
-  if (link.target.starts_with('#')) return link.target;
-  std::string text = (task.method == "post" ? "POST " : "") + link.target;
+  std::string text(link.target);
+  if (text.starts_with('#')) return text;
+  if (task.method == "post") text.insert(0, "POST ");
   const char *separator = " (";
   for (const NameValue &field : task.postFields) {
     text += separator + field.name + '=' + field.value;

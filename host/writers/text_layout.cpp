@@ -59,16 +59,16 @@ class BreakFinder {
     if (Failed(status)) iterator_ = nullptr;
   }
 
-  // The last place at `offset` or before; 0 when there is none.
-  std::size_t Last(std::size_t offset) {
+  // The last place behind `begin`, at `offset` or before; `begin` when there is none.
+  std::size_t Last(std::size_t begin, std::size_t offset) {
     if (iterator_ != nullptr) {
       const auto from = static_cast<std::int32_t>(offset);
       if (ubrk_isBoundary(iterator_, from) != 0) return offset;
       const std::int32_t place = ubrk_preceding(iterator_, from);
-      return place == UBRK_DONE ? 0 : static_cast<std::size_t>(place);
+      return std::max(begin, static_cast<std::size_t>(place == UBRK_DONE ? 0 : place));
     }
-    const std::size_t blank = offset == 0 ? std::string_view::npos : text_.rfind(' ', offset - 1);
-    return blank == std::string_view::npos ? 0 : blank + 1;
+    const std::size_t blank = text_.substr(begin, offset - begin).rfind(' ');
+    return blank == std::string_view::npos ? begin : begin + blank + 1;
   }
 
   // The first place behind `offset`; the end of the text is one.
@@ -196,10 +196,10 @@ void BreakLine(std::string_view text, std::size_t offset, std::size_t width, Lon
   if (full < text.size()) {
     BreakFinder finder(text, measure.Narrow());
     for (; full < text.size(); full = measure.Fit(begin, width)) {
-      std::size_t next = finder.Last(full);
+      std::size_t next = finder.Last(begin, full);
       if (text[full] == ' ') {
         next = finder.SkipBlanks(full);
-      } else if (next <= begin) {
+      } else if (next == begin) {
         // A single word; a character wider than the line has one of its own.
         if (longWords == LongWords::kKeep) {
           next = finder.Next(full);

@@ -15,9 +15,6 @@ class Tracer : public GuardedHost, public Trace {
   using Trace::Trace;
 
   static std::span<const OutputRoutine> Routines();
-  /// Whether the filter has come to the end of the document.
-  bool Done() const { return ended_ && !aborted_; }
-  bool Aborted() const { return aborted_; }
 
  private:
   template <auto kMember>
@@ -26,12 +23,16 @@ class Tracer : public GuardedHost, public Trace {
   }
 
   void TakeBreak(Word kind, Word zero) {
-    ended_ = ended_ || kind == SO_BREAK_DOCUMENT;
+    if (kind == SO_BREAK_DOCUMENT) outcome_.ended = true;
     EmitBreak(kind, zero);
   }
   void Abort(Word zero) {
-    aborted_ = true;
+    outcome_.aborted = true;
     AbortStream(zero);
+  }
+  void TakeTable() {
+    ++outcome_.tables;
+    OpenTable();
   }
   void TakeGraphic(const GraphicRecord *graphic) { InsertGraphic(*graphic); }
   void TakeLink(Word code, Word number, const VwLinkRecord *link) { OpenLink(code, number, *link); }
@@ -48,8 +49,6 @@ class Tracer : public GuardedHost, public Trace {
 
   Word nextString_ = 1;
   Word nextReference_ = 1;
-  bool ended_ = false;
-  bool aborted_ = false;
 };
 
 std::span<const OutputRoutine> Tracer::Routines() {
@@ -65,7 +64,7 @@ std::span<const OutputRoutine> Tracer::Routines() {
       {SLOT_OPEN_FONT_LIST, Routine<&Trace::OpenFontList>()},
       {SLOT_ADD_FONT_LIST_ENTRY, Routine<&Trace::AddFontListEntry>()},
       {SLOT_CLOSE_FONT_LIST, Routine<&Trace::CloseFontList>()},
-      {SLOT_OPEN_TABLE, Routine<&Trace::OpenTable>()},
+      {SLOT_OPEN_TABLE, Routine<&Tracer::TakeTable>()},
       {SLOT_CLOSE_TABLE, Routine<&Trace::CloseTable>()},
       {SLOT_INSERT_GRAPHIC, Routine<&Tracer::TakeGraphic>()},
       {SLOT_OPEN_LINK, Routine<&Tracer::TakeLink>()},
@@ -90,14 +89,14 @@ void TraceDeck(const Deck &deck, std::ostream &out) {
   {
     Stream stream(source, deck.identity, Tracer::Routines(), &tracer);
     tracer.Attach(stream);
-    if (!tracer.Aborted()) {
+    if (!tracer.Outcome().aborted) {
       stream.Section();
       stream.Read();
     }
   }
   tracer.Rethrow();
   tracer.Flush();
-  CheckRead(source, deck, !tracer.Done());
+  CheckRead(source, deck, tracer.Outcome());
 }
 
 }  // namespace vs_wml

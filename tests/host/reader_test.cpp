@@ -51,6 +51,25 @@ TEST(Reader, GivesUpADocumentThatIsReadAgainAndAgain) {
   EXPECT_THROW(TraceDeck(PrepareDeck("x", document, options), trace), ReadFailure);
 }
 
+TEST(Reader, SaysWhichTableIsOneTooMany) {
+  std::string document = "<wml><card>";
+  for (std::uint32_t i = 0; i < VW_MAX_TABLES; ++i)
+    document += "<table columns='1'><tr><td>x</table>";
+  const auto fault = [](const std::string &text) -> std::string {
+    try {
+      Recorder recorder;
+      ReadDeck(PrepareDeck("x", text, {}), recorder);
+      return "";
+    } catch (const ReadFailure &failure) {
+      return failure.what();
+    }
+  };
+  EXPECT_EQ(fault(document), "");
+  EXPECT_EQ(fault(document + "<table columns='1'><tr><td>x</table>"),
+            "given up at table 65536: the filter reads no more in a document; what comes before it "
+            "was read");
+}
+
 class FailingSink : public Recorder {
  public:
   void TakeParagraph(const Paragraph & /*paragraph*/) override {

@@ -55,8 +55,8 @@ class Recorder : public BlockSink {
       if (run.style.halfPoints != 24) log += "*" + std::to_string(run.style.halfPoints);
       if (run.link != kNone) {
         const Link &link = content.links[run.link];
-        log += "[" + std::to_string(link.number) + ":" + link.target;
-        if (!link.title.empty()) log += "|" + link.title;
+        log.append("[" + std::to_string(link.number) + ":").append(link.target);
+        if (!link.title.empty()) log.append("|").append(link.title);
         log += "]";
       }
       if (run.image != kNone) {

@@ -144,6 +144,16 @@ TEST(TextLayout, LinesBreakWhereWordsEnd) {
   }
 }
 
+// A word is gone over once, not once a line: this would take a minute.
+TEST(TextLayout, LongWordsTakeTimeInProportion) {
+  const std::string word(1000000, 'x');
+  for (const TextKind kind : {TextKind::kAny, TextKind::kPlain}) {
+    std::vector<Line> lines;
+    BreakLines(word, 0, word.size(), 1, LongWords::kBreak, lines, kind);
+    EXPECT_EQ(lines.size(), word.size());
+  }
+}
+
 // The lines of a text whose characters take a column each, broken one character at a time.
 std::vector<std::string> SlowLines(std::u32string text, std::size_t width, bool breaks) {
   const auto trimmed = [](std::u32string line) {
