@@ -1,5 +1,6 @@
 #include "filter/attributes/attribute_values.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "filter/ground/callbacks.h"
@@ -11,6 +12,7 @@ namespace {
 
 // The attribute if it has a value, else null.
 const AttrRef *FindValue(uint16_t attribute, const WmlProc *proc) {
+  assert(proc->attrCount <= MAX_ATTRIBUTES);
   for (uint16_t i = 0; i < proc->attrCount; ++i) {
     const AttrRef &found = proc->attrList[i];
     if (found.attrId == attribute) return found.valuePos != 0 ? &found : nullptr;

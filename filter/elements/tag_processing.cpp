@@ -1,5 +1,7 @@
 #include "filter/elements/tag_processing.h"
 
+#include <cassert>
+
 #include "filter/attributes/alignment.h"
 #include "filter/attributes/attribute_values.h"
 #include "filter/elements/anchor.h"
@@ -166,6 +168,7 @@ void EndElement(uint8_t tagId, WmlProc *proc) {
 
 // Closes every element from the top down to `index`: pops it, then ends it.
 [[gnu::noinline]] void CloseDownTo(int16_t index, WmlProc *proc) {
+  assert(index >= 0);
   for (int16_t i = proc->save.tagStackTop; i >= index; --i) EndElement(TagStackPopTop(proc), proc);
 }
 

@@ -1,6 +1,7 @@
 #include "filter/format/style.h"
 
 #include <bit>
+#include <cassert>
 
 #include "filter/format/typeface.h"
 #include "filter/ground/callbacks.h"
@@ -33,6 +34,18 @@ StyleRecord BaseStyle(const WmlProc *proc) {
   return style;
 }
 
+namespace {
+
+[[maybe_unused]] uint16_t CountEqual(const StyleRecord &style, const WmlProc *proc) {
+  uint16_t equal = 0;
+  for (uint16_t i = 0; const StyleRecord *stored = StyleRetrieve(i, proc); ++i) {
+    equal += SameStyle(*stored, style);
+  }
+  return equal;
+}
+
+}  // namespace
+
 uint16_t StyleStore(const StyleRecord &style, WmlProc *proc) {
   uint16_t index = 0;
   while (const StyleRecord *stored = StyleRetrieve(index, proc)) {
@@ -42,6 +55,7 @@ uint16_t StyleStore(const StyleRecord &style, WmlProc *proc) {
   auto *added = static_cast<StyleRecord *>(VAAddItem(&index, &proc->styleArray, proc));
   if (added == nullptr) return NO_INDEX;
   *added = style;
+  assert(CountEqual(style, proc) == 1);
   return index;
 }
 

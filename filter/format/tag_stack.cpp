@@ -1,13 +1,21 @@
 #include "filter/format/tag_stack.h"
 
+#include <cassert>
+
 #include "filter/format/style.h"
 
 namespace {
+
+// True in every read, which begins by putting right what a save block brought.
+[[maybe_unused]] bool IsSound(const WmlSave &save) {
+  return save.tagStackTop >= -1 && save.tagStackTop < TAG_STACK_SIZE;
+}
 
 // Takes a cell or a row out of the stack; their ends do nothing else. Styles are neither
 // sent nor changed.
 void TagStackElemRemove(int16_t index, WmlProc *proc) {
   WmlSave &save = proc->save;
+  assert(IsSound(save) && index >= 0 && index <= save.tagStackTop);
   for (int16_t i = index; i < save.tagStackTop; ++i) save.tagStack[i] = save.tagStack[i + 1];
   --save.tagStackTop;
 }
@@ -49,6 +57,7 @@ void TagStackPushBase(WmlProc *proc) {
 
 void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
   WmlSave &save = proc->save;
+  assert(IsSound(save));
   const uint16_t current = TagStackTop(proc).styleIndex;
   uint16_t styleIndex = StyleSelect(styleClass, proc);
   if (styleIndex == NO_INDEX) styleIndex = current;
@@ -60,6 +69,7 @@ void TagStackPush(ItemRecord item, uint8_t styleClass, WmlProc *proc) {
 }
 
 uint8_t TagStackPopTop(WmlProc *proc) {
+  assert(IsSound(proc->save));
   const TagStackElem &popped = TagStackTop(proc);
   const uint8_t tagId = popped.tagId;
   const uint16_t styleIndex = popped.styleIndex;
@@ -82,6 +92,7 @@ void TagStackCloseParts(uint8_t tagId, WmlProc *proc) {
 }
 
 int16_t TagStackFind(uint8_t tagId, const WmlProc *proc) {
+  assert(IsSound(proc->save));
   int16_t i = proc->save.tagStackTop;
   while (i >= 0 && proc->save.tagStack[i].tagId != tagId) --i;
   return i;

@@ -1,5 +1,6 @@
 #include "filter/ground/char_buffer.h"
 
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 
@@ -54,6 +55,7 @@ uint32_t ReadBlock(VwCharBuffer *buffer) {
 }  // namespace
 
 int vxfilbuf(VwCharBuffer *buffer) {
+  assert(buffer->next == buffer->end);
   const auto past = static_cast<uint16_t>(buffer->past < kPastMax ? buffer->past + 1 : kPastMax);
   Empty(VwCharPosition(buffer, buffer->end), buffer);
   const uint32_t length = ReadBlock(buffer);
@@ -68,6 +70,7 @@ int vxfilbuf(VwCharBuffer *buffer) {
 
 int VwCharSeek(VwCharBuffer *buffer, uint32_t offset, int16_t origin) {
   const uint32_t target = origin == SEEK_FROM_HERE ? offset + VwCharTell(buffer) : offset;
+  assert(buffer->data <= buffer->next && buffer->next <= buffer->end);
   const uint32_t into = target - buffer->start;
   if (into < static_cast<uint32_t>(buffer->end - buffer->data)) {
     buffer->next = buffer->data + into;

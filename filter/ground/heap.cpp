@@ -1,10 +1,17 @@
 #include "filter/ground/heap.h"
 
+#include <cassert>
 #include <cstdlib>
 
 #include "filter/ground/instance.h"
 
 namespace {
+
+[[maybe_unused]] bool IsSpare(const ScratchBlock *block, const WmlProc *proc) {
+  const ScratchBlock *spare = proc->spareStrings;
+  while (spare != nullptr && spare != block) spare = spare->next;
+  return spare != nullptr;
+}
 
 constexpr uint32_t kMaxItems = 0xFFFF;
 
@@ -66,6 +73,7 @@ char *StringCreate(uint32_t size, WmlProc *proc) {
 void StringDestroy(char *string, WmlProc *proc) {
   if (string == nullptr) return;
   ScratchBlock *block = reinterpret_cast<ScratchBlock *>(string) - 1;
+  assert(!IsSpare(block, proc));
   block->next = proc->spareStrings;
   proc->spareStrings = block;
 }

@@ -1,5 +1,7 @@
 #include "filter/tables/table_output.h"
 
+#include <cassert>
+
 #include "filter/format/tag_stack.h"
 #include "filter/ground/callbacks.h"
 #include "filter/ground/stream_position.h"
@@ -32,17 +34,18 @@ void DescribeRow(const TableRecord &table, const WmlProc *proc) {
   SODescribeRow(&row, proc);
 }
 
-// What the descriptions of a table's cells have in common. All fields are named one by one, for
-// to clear the whole record first would take longer than all the rest.
-CellDescription MakeCell(const TableRecord &table, const WmlSave &save) {
-  CellDescription cell;
+constexpr CellDescription kCell = [] {
+  CellDescription cell = {};
   cell.size = sizeof cell;
-  cell.reserved0[0] = cell.reserved0[1] = cell.reserved0[2] = 0;
-  cell.reserved1 = 0;
   cell.constant1 = 13;
   cell.constant2 = 255;
+  return cell;
+}();
+
+// What the descriptions of a table's cells have in common.
+CellDescription MakeCell(const TableRecord &table, const WmlSave &save) {
+  CellDescription cell = kCell;
   cell.tableShade = save.tableShade;
-  cell.reserved2[0] = cell.reserved2[1] = 0;
   const uint32_t color = ~save.backgroundColor & 0x00FFFFFF;
   cell.left = cell.right = cell.top = cell.bottom = {table.cellBorderWidth, color, 0, {}};
   return cell;
@@ -59,7 +62,9 @@ void DescribeCells(const TableRecord &table, const WmlProc *proc) {
 }
 
 void TableEndRow(WmlProc *proc) {
+  assert(proc->currentTable != nullptr);
   const TableRecord &table = *proc->currentTable;
+  assert(table.columnCount <= VW_MAX_COLUMNS);
   DescribeRow(table, proc);
   DescribeCells(table, proc);
   for (uint16_t c = 0; c < table.columnCount; ++c) proc->cellFlags[c] = 0;
@@ -69,6 +74,7 @@ void TableEndRow(WmlProc *proc) {
 
 // Ends the open cell and the cells that the row left empty, then the row.
 void FillAndEndRow(WmlProc *proc) {
+  assert(proc->currentTable != nullptr);
   const uint16_t columns = proc->currentTable->columnCount;
   const uint16_t begun = proc->save.cellIndex;
   if (begun <= columns) ForceCellBreak(columns - begun + 1u, proc);
@@ -117,6 +123,7 @@ void ProcessBeginRow(WmlProc *proc) {
 }
 
 bool ProcessBeginCell(WmlProc *proc) {
+  assert(proc->currentTable != nullptr);
   const uint16_t column = proc->save.cellIndex;
   if (column >= proc->currentTable->columnCount) return false;
   ++proc->save.cellIndex;
