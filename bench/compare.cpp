@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // compare [--rounds N] [--library FILE]... [--only NAME]... DECK...
 //     times the contenders on each deck in alternation, so that a slow spell of the machine
 //     falls on all alike. One line a deck and contender: deck, contender, bytes, characters,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is measured: the floor, the filter and the parsers that a user would otherwise take.
 #ifndef VS_WML_BENCH_CONTENDER_H
 #define VS_WML_BENCH_CONTENDER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "deck.h"
 
 #include <iconv.h>

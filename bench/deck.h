@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deterministic decks to measure with: clean XML, so that strict parsers read them too.
 #ifndef VS_WML_BENCH_DECK_H
 #define VS_WML_BENCH_DECK_H

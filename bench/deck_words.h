@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The vocabulary of the decks: frequent words first, which are drawn more often.
 #ifndef VS_WML_BENCH_DECK_WORDS_H
 #define VS_WML_BENCH_DECK_WORDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The filter behind a host that counts: characters as the floor does, all other calls by a
 // hash of slot, arguments and place, which tells two libraries apart that differ in one call.
 #include <dlfcn.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limit of the interface: blocks through a block handle, tags skipped unread, and one
 // call a character. Nothing is decoded, collapsed, looked up or stacked.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // heap_use DECK...: what one pass of each contender takes from the heap. One line a deck and
 // contender: deck, contender, allocations, greatest number of bytes held at a time.
 #include <malloc.h>

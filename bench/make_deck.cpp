@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // make_deck KIND BYTES FILE        writes one deck
 // make_deck tree COUNT FOLDER      writes a tree of small decks of all kinds
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A block handle over a document in memory.
 #ifndef VS_WML_BENCH_MEMORY_BLOCK_H
 #define VS_WML_BENCH_MEMORY_BLOCK_H

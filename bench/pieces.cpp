@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pieces of the filter on their own, below its entry points.
 #include <benchmark/benchmark.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // On its own, so that no contender's compiler sees into the counting routine or the table.
 #include "contender.h"
 

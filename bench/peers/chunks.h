@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a document is pushed into a parser.
 #ifndef VS_WML_BENCH_PEERS_CHUNKS_H
 #define VS_WML_BENCH_PEERS_CHUNKS_H

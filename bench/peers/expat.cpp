@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <expat.h>
 #include <iconv.h>
 #include <strings.h>

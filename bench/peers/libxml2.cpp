@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The SAX parsers of libxml2: no tree is built.
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A tree in memory, whose text is then walked.
 #include <pugixml.hpp>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/attributes/alignment.h"
 
 #include "filter/attributes/attribute_values.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The alignment that a tag asks for.
 #ifndef VS_WML_FILTER_ATTRIBUTES_ALIGNMENT_H
 #define VS_WML_FILTER_ATTRIBUTES_ALIGNMENT_H

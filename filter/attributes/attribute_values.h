@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Values of the current tag's attributes, as text and as strings of the host's.
 #ifndef VS_WML_FILTER_ATTRIBUTES_ATTRIBUTE_VALUES_H
 #define VS_WML_FILTER_ATTRIBUTES_ATTRIBUTE_VALUES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/attributes/length.h"
 
 #include "filter/data/ascii.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lengths, percentages and colours in the values of attributes.
 #ifndef VS_WML_FILTER_ATTRIBUTES_LENGTH_H
 #define VS_WML_FILTER_ATTRIBUTES_LENGTH_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/data/ascii.h"
 
 void strToLwr(char *s) {

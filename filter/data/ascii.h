@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ASCII text: letters, digits and white space, and the comparing of strings.
 #ifndef VS_WML_FILTER_DATA_ASCII_H
 #define VS_WML_FILTER_DATA_ASCII_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hash indexes over the name tables of WmlInit, made when the library is compiled.
 //
 // They find the same rows as a search of the tables, for a name that lies in a buffer

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/data/name_lookup.h"
 
 #include "filter/data/ascii.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names of tags, attributes, entities and units to their ids.
 #ifndef VS_WML_FILTER_DATA_NAME_LOOKUP_H
 #define VS_WML_FILTER_DATA_NAME_LOOKUP_H

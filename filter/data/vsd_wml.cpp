@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/data/vsd_wml.h"
 
 #include "filter/data/name_index.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The constant tables that WmlInit exports, and the ids that their rows carry.
 //
 // The block is constant data with one fixed order of tables. Where pointers are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/elements/anchor.h"
 
 #include "filter/attributes/attribute_values.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hyperlinks: the `a` element.
 #ifndef VS_WML_FILTER_ELEMENTS_ANCHOR_H
 #define VS_WML_FILTER_ELEMENTS_ANCHOR_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/elements/image.h"
 
 #include "filter/attributes/alignment.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Embedded images: the `img` element.
 #ifndef VS_WML_FILTER_ELEMENTS_IMAGE_H
 #define VS_WML_FILTER_ELEMENTS_IMAGE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/elements/tag_processing.h"
 
 #include <cassert>

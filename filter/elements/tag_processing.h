@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What each element does to the output, at its begin tag and at its end.
 #ifndef VS_WML_FILTER_ELEMENTS_TAG_PROCESSING_H
 #define VS_WML_FILTER_ELEMENTS_TAG_PROCESSING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry point that answers questions about the library.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/entry/read_loop.h"
 
 #include "filter/elements/tag_processing.h"

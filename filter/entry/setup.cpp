@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry points around an instance: routine table, allocation, input, slots, save block.
 #include "filter/ground/instance.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry points of a stream: open, section, read, position, close.
 #include <cstring>
 #include <initializer_list>

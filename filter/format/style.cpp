@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/format/style.h"
 
 #include <bit>

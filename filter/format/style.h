@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The style store, and the differences between styles that the host is sent.
 #ifndef VS_WML_FILTER_FORMAT_STYLE_H
 #define VS_WML_FILTER_FORMAT_STYLE_H

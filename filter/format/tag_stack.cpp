@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/format/tag_stack.h"
 
 #include <cassert>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stack of open elements, each with the style in force inside it.
 //
 // Element 0 is the base element (TAG_NONE, the base style); it is pushed by the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stream's typefaces and the widths of characters.
 #ifndef VS_WML_FILTER_FORMAT_TYPEFACE_H
 #define VS_WML_FILTER_FORMAT_TYPEFACE_H

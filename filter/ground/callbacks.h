@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's output routines as functions of the instance.
 #ifndef VS_WML_FILTER_GROUND_CALLBACKS_H
 #define VS_WML_FILTER_GROUND_CALLBACKS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/ground/char_buffer.h"
 
 #include <cassert>

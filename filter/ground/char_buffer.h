@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The buffered byte reader over the host's block handle.
 //
 //   document   0 ....... start .......................... end

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Growable arrays of fixed-size items, and scratch strings.
 //
 // Nothing here returns an error code: an exhausted heap sets STOP_NO_MEMORY in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instance block: every piece of state of one open stream.
 #ifndef VS_WML_FILTER_GROUND_INSTANCE_H
 #define VS_WML_FILTER_GROUND_INSTANCE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One item of the document: a character, a reference or a tag.
 #ifndef VS_WML_FILTER_GROUND_ITEM_H
 #define VS_WML_FILTER_GROUND_ITEM_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The 118 slots of the host's output routines, in their order in memory.
 #ifndef VS_WML_FILTER_GROUND_ROUTINE_TABLE_H
 #define VS_WML_FILTER_GROUND_ROUTINE_TABLE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether the short cuts beside the road of a byte are taken. They make the same calls as the road,
 // which takes a character at a time, with a quarter of its instructions; without them, the one can
 // be held against the other.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Positions in the document, for looking ahead and coming back.
 #ifndef VS_WML_FILTER_GROUND_STREAM_POSITION_H
 #define VS_WML_FILTER_GROUND_STREAM_POSITION_H

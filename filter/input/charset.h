@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Charset ids: their host codes and their names.
 #ifndef VS_WML_FILTER_INPUT_CHARSET_H
 #define VS_WML_FILTER_INPUT_CHARSET_H

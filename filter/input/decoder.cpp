@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/input/decoder.h"
 
 #include <cstring>

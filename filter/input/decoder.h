@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From bytes to characters of the charset in force.
 #ifndef VS_WML_FILTER_INPUT_DECODER_H
 #define VS_WML_FILTER_INPUT_DECODER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tags that are a known name and nothing else but the mark of an empty element, which most
 // are.
 #ifndef VS_WML_FILTER_LEXER_BARE_TAG_H

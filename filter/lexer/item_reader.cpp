@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/lexer/item_reader.h"
 
 #include "filter/input/decoder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The item reader: one character, reference or tag at a time.
 #ifndef VS_WML_FILTER_LEXER_ITEM_READER_H
 #define VS_WML_FILTER_LEXER_ITEM_READER_H

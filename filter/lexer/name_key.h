@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys of names that lie in the input buffer.
 #ifndef VS_WML_FILTER_LEXER_NAME_KEY_H
 #define VS_WML_FILTER_LEXER_NAME_KEY_H

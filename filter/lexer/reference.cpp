@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/lexer/reference.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Named and numeric character references.
 #ifndef VS_WML_FILTER_LEXER_REFERENCE_H
 #define VS_WML_FILTER_LEXER_REFERENCE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/lexer/tag_reader.h"
 
 #include "filter/data/ascii.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One whole tag with its attributes.
 #ifndef VS_WML_FILTER_LEXER_TAG_READER_H
 #define VS_WML_FILTER_LEXER_TAG_READER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/lexer/tag_scan.h"
 
 #include "filter/data/name_lookup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ordinary tags, read in place when they lie whole in the input buffer.
 #ifndef VS_WML_FILTER_LEXER_TAG_SCAN_H
 #define VS_WML_FILTER_LEXER_TAG_SCAN_H

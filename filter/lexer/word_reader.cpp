@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/lexer/word_reader.h"
 
 #include "filter/data/ascii.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The words of a tag: names, punctuation and attribute values.
 #ifndef VS_WML_FILTER_LEXER_WORD_READER_H
 #define VS_WML_FILTER_LEXER_WORD_READER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/tables/cell_widths.h"
 
 #include "filter/data/ascii.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the bytes of plain text add to the width of a cell.
 #ifndef VS_WML_FILTER_TABLES_CELL_WIDTHS_H
 #define VS_WML_FILTER_TABLES_CELL_WIDTHS_H

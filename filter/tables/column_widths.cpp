@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/tables/column_widths.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From the measured extents of a table's columns to their widths.
 //
 // Extents are in character-width units, of which 1000 are 460 twips.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/tables/table_output.h"
 
 #include <cassert>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tables, rows and cells as the host is told of them. One table is open at a time.
 #ifndef VS_WML_FILTER_TABLES_TABLE_OUTPUT_H
 #define VS_WML_FILTER_TABLES_TABLE_OUTPUT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/tables/table_scan.h"
 
 #include "filter/attributes/alignment.h"

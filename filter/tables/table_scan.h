@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a table ahead and measures its columns before any of it is told.
 #ifndef VS_WML_FILTER_TABLES_TABLE_SCAN_H
 #define VS_WML_FILTER_TABLES_TABLE_SCAN_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/text/characters.h"
 
 #include "filter/ground/callbacks.h"

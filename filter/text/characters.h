@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text as the host is told of it: what the modes in force make of a character, and what handlers
 // write themselves.
 #ifndef VS_WML_FILTER_TEXT_CHARACTERS_H

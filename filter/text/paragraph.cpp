@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/text/paragraph.h"
 
 #include "filter/ground/callbacks.h"

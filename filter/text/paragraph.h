@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Breaks and alignment.
 #ifndef VS_WML_FILTER_TEXT_PARAGRAPH_H
 #define VS_WML_FILTER_TEXT_PARAGRAPH_H

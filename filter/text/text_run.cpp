@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filter/text/text_run.h"
 
 #include "filter/input/decoder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs of plain text, sent straight from the input buffer.
 #ifndef VS_WML_FILTER_TEXT_TEXT_RUN_H
 #define VS_WML_FILTER_TEXT_TEXT_RUN_H

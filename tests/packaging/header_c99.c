@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The public header on its own, in C99: records and constants have the documented sizes. */
 #include "vs_wml.h"
 
