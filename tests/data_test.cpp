@@ -17,6 +17,7 @@
 #include "filter/input/charset.h"
 #include "filter/lexer/reference.h"
 #include "filter/tables/column_widths.h"
+#include "host/platform/charsets.h"
 #include "host/writers/trace.h"
 
 namespace vs_wml::test {
@@ -125,7 +126,7 @@ TEST(Lookup, FindsEveryNameAndNothingElse) {
   for (const NameRecord &charset : WmlInit.charsetNames) {
     EXPECT_EQ(QueryCharsetTable(Upper(charset.name).c_str()), charset.value);
     EXPECT_EQ(QueryCharsetTable((std::string(charset.name) + ' ').c_str()), CHARSET_UTF8);
-    EXPECT_FALSE(CharsetName(MapCSToSO(static_cast<std::uint16_t>(charset.value))).empty());
+    EXPECT_FALSE(NameOfHostCharset(MapCSToSO(static_cast<std::uint16_t>(charset.value))).empty());
   }
   for (const char *name : {"", "AMP", "Amp", "euro", "blink", "utf-8", "\xFF"}) {
     EXPECT_EQ(IDTag(name), 0);

@@ -22,12 +22,8 @@ struct DetectedCharset {
   std::size_t markLength = 0;  ///< bytes of the byte-order mark to skip
 };
 
-/// Whether a name is known. Names follow the web: "iso-8859-1" means windows-1252,
-/// "gb2312" means GB 18030 and so on, the supersets that documents are written in.
+/// Whether a document may name the set (see charsets.h).
 bool IsKnownCharset(std::string_view name);
-
-/// The name of a character set by IANA's number (MIBenum), empty when it is not known.
-std::string_view CharsetOfNumber(std::uint32_t number);
 
 /// Bytes of the shortest character of a set: 1, 2 or 4.
 std::size_t CharacterUnit(std::string_view charset);

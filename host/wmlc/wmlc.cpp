@@ -5,6 +5,7 @@
 #include <bitset>
 
 #include "host/platform/charset.h"
+#include "host/platform/charsets.h"
 #include "host/text/ascii.h"
 #include "host/wmlc/wml_tokens.h"
 

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <span>
 
+#include "host/platform/charsets.h"
+
 namespace vs_wml {
 namespace {
 
@@ -37,35 +39,6 @@ constexpr Name kLayouts[] = {{PROP_LAYOUT_PREFORMATTED, "preformatted"},
                              {PROP_LAYOUT_ORDINARY, "ordinary"}};
 constexpr Name kTableAlignments[] = {
     {SO_TABLE_LEFT, "left"}, {SO_TABLE_RIGHT, "right"}, {SO_TABLE_CENTER, "center"}};
-constexpr Name kCharsets[] = {{HOST_CS_UNICODE, "unicode"},
-                              {HOST_CS_SHIFT_JIS, "shift_jis"},
-                              {HOST_CS_GB2312, "gb2312"},
-                              {HOST_CS_KSC5601, "euc-kr"},
-                              {HOST_CS_BIG5, "big5"},
-                              {HOST_CS_ISO2022_JP, "iso-2022-jp"},
-                              {HOST_CS_ISO2022_KR, "iso-2022-kr"},
-                              {HOST_CS_KOI8_R, "koi8-r"},
-                              {HOST_CS_ISO8859_1, "iso-8859-1"},
-                              {HOST_CS_ISO8859_1 + 1, "iso-8859-2"},
-                              {HOST_CS_ISO8859_1 + 2, "iso-8859-3"},
-                              {HOST_CS_ISO8859_1 + 3, "iso-8859-4"},
-                              {HOST_CS_ISO8859_1 + 4, "iso-8859-5"},
-                              {HOST_CS_ISO8859_1 + 5, "iso-8859-6"},
-                              {HOST_CS_ISO8859_1 + 6, "iso-8859-7"},
-                              {HOST_CS_ISO8859_1 + 7, "iso-8859-8"},
-                              {HOST_CS_ISO8859_1 + 8, "iso-8859-9"},
-                              {HOST_CS_WINDOWS_1250, "windows-1250"},
-                              {HOST_CS_WINDOWS_1251, "windows-1251"},
-                              {HOST_CS_WINDOWS_1253, "windows-1253"},
-                              {HOST_CS_WINDOWS_1254, "windows-1254"},
-                              {HOST_CS_WINDOWS_1255, "windows-1255"},
-                              {HOST_CS_WINDOWS_1256, "windows-1256"},
-                              {HOST_CS_WINDOWS_1257, "windows-1257"},
-                              {HOST_CS_MAC_ROMAN, "macintosh"},
-                              {HOST_CS_MAC_TURKISH, "x-mac-turkish"},
-                              {HOST_CS_MAC_GREEK, "x-mac-greek"},
-                              {HOST_CS_MAC_CE, "x-mac-ce"}};
-
 std::string_view FindName(std::span<const Name> names, std::uint32_t value) {
   for (const Name &name : names) {
     if (name.value == value) return name.name;
@@ -168,10 +141,6 @@ void AppendSides(Line &line, const SideDescription &left, const SideDescription 
 }
 
 }  // namespace
-
-std::string_view CharsetName(std::uint32_t hostCharset) {
-  return FindName(kCharsets, hostCharset);
-}
 
 void Trace::Flush() {
   if (characters_.empty()) return;
@@ -303,7 +272,9 @@ void Trace::SetTextColor(std::uint32_t zero, std::uint32_t color) {
 }
 
 void Trace::SwitchCharset(std::uint32_t hostCharset) {
-  Note(Line("SOSwitchCharset").Named(kCharsets, hostCharset).Text());
+  const std::string_view name = NameOfHostCharset(hostCharset);
+  Line line("SOSwitchCharset");
+  Note((name.empty() ? line.Code(hostCharset) : line.Word(name)).Text());
 }
 
 void Trace::OpenReference(std::uint32_t id) {

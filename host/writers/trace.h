@@ -72,9 +72,6 @@ class Trace {
   std::string characters_;  ///< the line's characters so far, escaped
 };
 
-/// The name of a host character-set code, such as "shift_jis"; empty when unknown.
-std::string_view CharsetName(std::uint32_t hostCharset);
-
 }  // namespace vs_wml
 
 #endif  // VS_WML_HOST_WRITERS_TRACE_H

@@ -5,9 +5,13 @@
 #include <gtest/gtest.h>
 #include <iconv.h>
 
+#include <string_view>
+#include <thread>
 #include <vector>
 
 #include "host/platform/charset.h"
+#include "host/platform/charsets.h"
+#include "host/platform/converter.h"
 #include "recorder.h"
 
 namespace vs_wml::test {
@@ -99,6 +103,63 @@ TEST(Charset, EveryCharacterComesBack) {
     options.charset = name;
     EXPECT_EQ(Blocks(Encode(Document(item.text, wrong, meta), item.iconvName), options),
               Expected(item.text));
+  }
+}
+
+TEST(Charset, EverySetIsConverted) {
+  std::string ascii;
+  for (char c = ' '; c < 0x7F; ++c) ascii += c;
+  ascii += "\t\r\n";
+  for (const Charset &charset : kCharsets) {
+    SCOPED_TRACE(charset.name);
+    const Charset *found = FindCharset(charset.name);
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(found->id, charset.id);
+    std::string text;
+    AppendConverted(text, ascii, charset);
+    // Where ASCII needs no conversion, the converter leaves it alone.
+    const bool plain = charset.form == CharsetForm::kAscii || charset.form == CharsetForm::kUtf8;
+    EXPECT_TRUE(!plain || text == ascii);
+    EXPECT_FALSE(text.empty());
+  }
+}
+
+TEST(Charset, OnlyListedNamesAreKnown) {
+  for (const char *name : {"UTF-8", " utf-8\n", "Latin1", "l5", "MS_Kanji", "kr2022", "x0212",
+                           "8859_9", "x-mac-ce", "ksc5601", "TIS-620", "UCS-2", "koi8-u"}) {
+    EXPECT_TRUE(IsKnownCharset(name)) << name;
+  }
+  for (const char *name : {"", "x11-compound-text", "compound-text", "utf-7", "hz-gb-2312", "scsu",
+                           "bocu-1", "iso-2022-cn", "ibm-1047", "lmbcs-1", "cesu-8", "imap-mailbox",
+                           "utf_8", "u t f 8", "replacement", "ebcdic-cp-us"}) {
+    EXPECT_FALSE(IsKnownCharset(name)) << name;
+  }
+}
+
+TEST(Charset, NumbersHaveNamesThatAreKnown) {
+  for (std::uint32_t number = 0; number < 3000; ++number) {
+    const std::string_view name = CharsetOfNumber(number);
+    EXPECT_TRUE(name.empty() || IsKnownCharset(name)) << name;
+  }
+  EXPECT_EQ(CharsetOfNumber(17), "Shift_JIS");
+  EXPECT_EQ(CharsetOfNumber(0), "");
+}
+
+// What a converter met before must not show in the next text.
+TEST(Charset, AConversionDependsOnItsBytesAlone) {
+  const std::string_view hostile[] = {"\x1B$B0\xFF\x1B", "\x1B$)C\x0E!", "\x0E\x1B(I1", "\xD8\x00",
+                                      "\x81\x30\x81",    "\x1B%/1\x80",  "~{0\xFF"};
+  const std::string_view probe = "ab\x30\x21\x0F\x41\x42";
+  for (const Charset &charset : kCharsets) {
+    std::string fresh;
+    std::thread([&] { AppendConverted(fresh, probe, charset); }).join();
+    for (const std::string_view bytes : hostile) {
+      std::string ignored;
+      AppendConverted(ignored, bytes, charset);
+      std::string text;
+      AppendConverted(text, probe, charset);
+      EXPECT_EQ(text, fresh) << charset.name;
+    }
   }
 }
 

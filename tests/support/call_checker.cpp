@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/call_checker.h"
 
-#include "host/writers/trace.h"
+#include "host/platform/charsets.h"
 
 namespace vs_wml::test {
 
@@ -69,7 +69,7 @@ void CallChecker::AbortStream() {
 void CallChecker::SwitchCharset(std::uint32_t hostCharset) {
   Any();
   announced_ = true;
-  if (CharsetName(hostCharset).empty()) Fail("an unknown character set");
+  if (NameOfHostCharset(hostCharset).empty()) Fail("an unknown character set");
 }
 
 void CallChecker::OpenTable() {
