@@ -6,7 +6,7 @@ DESTDIR ?=
 BUILD := build/$(PRESET)
 
 .DEFAULT_GOAL := help
-.PHONY: help deps configure build demo test bench coverage deb install format picture clean
+.PHONY: help deps configure build demo test test-all bench coverage deb install format picture clean
 
 help: ## this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / {printf "  make %-10s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -27,6 +27,11 @@ demo: configure ## read a shipped deck
 
 test: build ## build and run all tests
 	@ctest --preset $(PRESET) -j $(JOBS)
+
+test-all: build ## the tests that need more: browsers, viewers of Markdown
+	@scripts/install-deps test-all
+	@tests/markdown/viewers_test.py $(BUILD)/unwml/unwml --all
+	@tests/html/browser_test.py $(BUILD)/unwml/unwml $(BUILD)/pages
 
 bench: ## measure; prints the tables of docs/performance.md
 	@scripts/install-deps build

@@ -6,7 +6,7 @@ namespace vs_wml {
 std::unique_ptr<BlockSink> MakeWriter(Format format, Output &output, const WriterOptions &options) {
   switch (format) {
     case Format::kHtml:
-      return MakeHtmlWriter(output);
+      return MakeHtmlWriter(output, options);
     case Format::kJson:
       return MakeJsonWriter(output);
     case Format::kMarkdown:

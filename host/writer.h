@@ -20,6 +20,8 @@ struct WriterOptions {
   bool color = false;        ///< ANSI styles in text
   bool images = false;       ///< small pictures drawn in text with block characters
   bool nameHeading = false;  ///< head text and Markdown with the document's name
+  /// HTML and Markdown fetch pictures that are not at hand; otherwise these are links.
+  bool remoteImages = false;
 };
 
 /// A writer of one document after the other. The output has to outlive it; it is
@@ -27,7 +29,7 @@ struct WriterOptions {
 std::unique_ptr<BlockSink> MakeWriter(Format format, Output &output, const WriterOptions &options);
 
 std::unique_ptr<BlockSink> MakeTextWriter(Output &output, const WriterOptions &options);
-std::unique_ptr<BlockSink> MakeHtmlWriter(Output &output);
+std::unique_ptr<BlockSink> MakeHtmlWriter(Output &output, const WriterOptions &options);
 std::unique_ptr<BlockSink> MakeJsonWriter(Output &output);
 std::unique_ptr<BlockSink> MakeMarkdownWriter(Output &output, const WriterOptions &options);
 

@@ -36,6 +36,7 @@ struct CommandLine {
   std::optional<std::string> assets;
   std::size_t jobs = 1;
   bool raw = false;
+  bool remoteImages = false;
   bool help = false;
   bool version = false;
   std::optional<std::string> print;

@@ -51,6 +51,13 @@ constexpr OptionRow kRows[] = {
                "complete, and never in the place of an input.",
      .set = [](CommandLine &line, const Given &given) { line.output = given.text; }},
 
+    {.category = Category::kOutput,
+     .name = "remote-images",
+     .brief = "let HTML and Markdown fetch pictures from elsewhere",
+     .detail = "Otherwise a page asks nobody for anything, and pictures that are not at hand are "
+               "links.",
+     .set = [](CommandLine &line, const Given &) { line.remoteImages = true; }},
+
     {.category = Category::kReading,
      .name = "var",
      .argument = Argument::kText,

@@ -95,6 +95,7 @@ void SettleText(const CommandLine &line, Options &options) {
   const bool toTerminal = !line.output && isatty(STDOUT_FILENO) != 0;
   options.writer.width = line.width.value_or(TerminalWidth());
   options.writer.color = WantsColor(line.color, line.output.has_value());
+  options.writer.remoteImages = line.remoteImages;
   options.writer.images = line.images ? line.images == "blocks" : toTerminal;
 }
 

@@ -286,8 +286,10 @@ char32_t NextCharacter(std::string_view text, std::size_t &offset) {
 CharacterClass ClassOf(char32_t character) {
   const auto code = static_cast<UChar32>(character);
   if (u_isUWhiteSpace(code) != 0) return CharacterClass::kBlank;
-  const bool punctuation = (U_GET_GC_MASK(code) & (U_GC_P_MASK | U_GC_S_MASK)) != 0;
-  return punctuation ? CharacterClass::kPunctuation : CharacterClass::kWord;
+  const auto category = U_GET_GC_MASK(code);
+  if ((category & U_GC_P_MASK) != 0) return CharacterClass::kPunctuation;
+  if ((category & (U_GC_S_MASK | U_GC_CF_MASK)) == 0) return CharacterClass::kWord;
+  return character < 0x80 ? CharacterClass::kPunctuation : CharacterClass::kSymbol;
 }
 
 std::string WithoutControls(std::string text) {

@@ -59,8 +59,9 @@ constexpr bool StartsCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;
 }
 
-/// What a character is to the rules of emphasis in Markdown.
-enum class CharacterClass { kBlank, kPunctuation, kWord };
+/// What a character is to the rules of emphasis in Markdown. Symbols and format characters
+/// beyond ASCII count as punctuation in some versions of the rules, as parts of words in others.
+enum class CharacterClass { kBlank, kPunctuation, kSymbol, kWord };
 CharacterClass ClassOf(char32_t character);
 
 /// The text without control characters. Nothing is copied when it has none.

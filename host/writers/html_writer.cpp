@@ -81,24 +81,6 @@ void Escape(Output &out, std::string_view text) {
   }
 }
 
-// A URL as an attribute value: blanks and other characters that no URL holds encoded.
-std::string EncodeTarget(std::string_view target) {
-  constexpr std::string_view kHex = "0123456789ABCDEF";
-  std::string encoded;
-  for (const char c : target) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte <= 0x20 || byte >= 0x7F ||
-        std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos) {
-      encoded += '%';
-      encoded += kHex[byte >> 4U];
-      encoded += kHex[byte & 15U];
-    } else {
-      encoded += c;
-    }
-  }
-  return encoded;
-}
-
 // An HTML id holds no blanks; those of forms are taken.
 bool IsHtmlId(std::string_view id) {
   return !id.empty() && !id.starts_with(kFormId) &&
@@ -475,7 +457,7 @@ class HtmlWriter : public BlockSink {
 
 }  // namespace
 
-std::unique_ptr<BlockSink> MakeHtmlWriter(Output &output) {
+std::unique_ptr<BlockSink> MakeHtmlWriter(Output &output, const WriterOptions & /*options*/) {
   return std::make_unique<HtmlWriter>(output);
 }
 

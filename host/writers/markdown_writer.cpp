@@ -1,68 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 
 #include "host/text/utf8.h"
 #include "host/writer.h"
+#include "host/writers/markdown_text.h"
 #include "host/writers/target.h"
 
 namespace vs_wml {
 namespace {
-
-constexpr std::string_view kSpecial = "\\`*_[]<>&~|";
-constexpr std::size_t kLongestReference = 40;
-
-// Appends text so that it is read as itself. At the start of a line more means something.
-void AppendEscaped(std::string &out, std::string_view text, bool lineStart) {
-  if (lineStart && !text.empty()) {
-    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
-    if (std::string_view("#+-=:").find(text[0]) != std::string_view::npos) {
-      out += '\\';
-      out += text[0];
-      text.remove_prefix(1);
-    } else if (digits != 0 && digits < text.size() &&
-               (text[digits] == '.' || text[digits] == ')')) {
-      out.append(text.substr(0, digits));
-      out += '\\';
-      out += text[digits];
-      text.remove_prefix(digits + 1);
-    }
-  }
-  for (const char c : text) {
-    if (kSpecial.find(c) != std::string_view::npos) out += '\\';
-    out += c;
-  }
-}
-
-// Whether a reference (`&colon;`) stands at the start of the text.
-bool IsReference(std::string_view text) {
-  const std::size_t end = std::min(text.substr(0, kLongestReference).find(';'), text.size());
-  return end < text.size() &&
-         std::all_of(text.begin() + 1, text.begin() + static_cast<int>(end), [](char c) {
-           return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
-                  c == '#';
-         });
-}
-
-// A target between angle brackets holds everything but these and line feeds. References
-// count in targets, and bars in those of tables.
-void AppendTarget(std::string &out, std::string_view target) {
-  const bool brackets = target.empty() || target.find_first_of(" ()") != std::string_view::npos;
-  if (brackets) out += '<';
-  for (std::size_t at = 0; at < target.size(); ++at) {
-    const char c = target[at];
-    if (c == '<') {
-      out += "%3C";
-    } else if (c == '>') {
-      out += "%3E";
-    } else {
-      const bool special = c == '\\' || c == '|' || (c == '&' && IsReference(target.substr(at)));
-      if (special) out += '\\';
-      out += c;
-    }
-  }
-  if (brackets) out += '>';
-}
 
 // Marks of emphasis, and the tags for where marks would be read as asterisks.
 struct Emphasis {
@@ -90,69 +37,88 @@ char32_t LastCharacter(std::string_view text) {
   return FirstCharacter(text.substr(start));
 }
 
-// Whether a mark between these characters is read as one of emphasis.
+void AppendMarkup(std::string &out, std::string_view text) {
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
+    }
+  }
+}
+
+// Whether a mark between these characters is read as one of emphasis, by any version of the
+// rules.
 bool MarkCounts(char32_t inside, char32_t outside) {
-  const CharacterClass kind = ClassOf(inside);
-  return kind == CharacterClass::kWord ||
-         (kind == CharacterClass::kPunctuation && ClassOf(outside) != CharacterClass::kWord);
+  const CharacterClass around = ClassOf(outside);
+  switch (ClassOf(inside)) {
+    case CharacterClass::kWord:
+      return true;
+    case CharacterClass::kSymbol:
+      return around != CharacterClass::kWord;
+    case CharacterClass::kPunctuation:
+      return around == CharacterClass::kBlank || around == CharacterClass::kPunctuation;
+    default:
+      return false;
+  }
 }
 
 class MarkdownWriter : public BlockSink {
  public:
   MarkdownWriter(Output &output, const WriterOptions &options)
-      : out_(output), nameHeading_(options.nameHeading) {}
+      : out_(output), nameHeading_(options.nameHeading), remoteImages_(options.remoteImages) {}
 
   void BeginDocument(const DeckInfo &deck) override {
     lastBlock_ = Block::kNone;
     firstCard_ = true;
-    if (!nameHeading_) return;
-    line_ = "# ";
-    AppendEscaped(line_, deck.name, false);
-    EndBlock(Block::kOther);
+    anchors_.clear();
+    reader_ = LinkReader(deck);
+    if (nameHeading_) WriteHeading("# ", deck.name);
   }
 
   void BeginCard(const Card &card) override {
     FinishParagraph();
-    line_.clear();
-    if (!card.title.empty()) {
-      line_ = "## ";
-      AppendEscaped(line_, card.title, false);
-    } else if (!firstCard_) {
+    if (card.title.empty() && !firstCard_) {
       line_ = "---";
+      EndBlock(Block::kOther);
     }
     firstCard_ = false;
-    if (!line_.empty()) EndBlock(Block::kOther);
+    WriteAnchor(card.id);
+    if (!card.title.empty()) WriteHeading("## ", card.title);
   }
 
   void TakeParagraph(const Paragraph &paragraph) override {
     line_.clear();
     if (paragraph.preformatted) {
-      const bool goesOn = paragraph.continues && lastBlock_ == Block::kCode;
-      for (const Run &run : paragraph.content.runs) {
-        line_ += run.image == kNone ? paragraph.content.TextOf(run)
-                                    : ImageLabel(paragraph.content.images[run.image]);
-      }
-      if (!line_.empty()) line_.insert(0, 4, ' ');
-      if (goesOn) {
-        out_ << line_ << '\n';
-      } else if (!line_.empty()) {
-        EndBlock(Block::kCode);
-      }
+      TakePreformatted(paragraph);
       return;
     }
     const bool goesOn = paragraph.continues && lastBlock_ == Block::kParagraph;
-    AppendContent(paragraph.content, "");
+    if (!goesOn) text_.BeginBlock(MarkdownPlace::kParagraph);
+    AppendContent(paragraph.content);
     if (line_.empty()) {
       FinishParagraph();
       return;
     }
     if (goesOn) {
-      out_ << "\\\n" << line_;
+      out_ << (addressAtEnd_ ? "  \n" : "\\\n") << line_;
     } else {
       FinishParagraph();
       if (lastBlock_ != Block::kNone) out_ << '\n';
       out_ << line_;
     }
+    addressAtEnd_ = MarkdownText::EndsWithAddress(line_);
     lastBlock_ = Block::kParagraph;
   }
 
@@ -164,7 +130,7 @@ class MarkdownWriter : public BlockSink {
     if (lastBlock_ != Block::kNone) out_ << '\n';
     lastBlock_ = Block::kOther;
     for (std::size_t index = 0; index < table.rows.size(); ++index) {
-      WriteRow(table, table.rows[index], columns);
+      WriteRow(table, table.rows[index], index == 0 ? columns : 1);
       if (index == 0) WriteDelimiters(table, table.rows[0], columns);
     }
   }
@@ -178,11 +144,13 @@ class MarkdownWriter : public BlockSink {
   }
 
  private:
-  enum class Block { kNone, kParagraph, kCode, kOther };
+  enum class Block { kNone, kParagraph, kCode, kMarkup, kOther };
 
-  // The last line of a paragraph waits for its line feed, since a break may come.
+  // The last line of a paragraph waits for its line feed, since a break may come; preformatted
+  // text in markup waits for its end tag.
   void FinishParagraph() {
-    if (lastBlock_ != Block::kParagraph) return;
+    if (lastBlock_ == Block::kMarkup) out_ << "</pre>";
+    if (lastBlock_ != Block::kParagraph && lastBlock_ != Block::kMarkup) return;
     out_ << '\n';
     lastBlock_ = Block::kOther;
   }
@@ -194,11 +162,78 @@ class MarkdownWriter : public BlockSink {
     lastBlock_ = kind;
   }
 
+  void WriteHeading(std::string_view mark, std::string_view text) {
+    line_ = mark;
+    text_.BeginBlock(MarkdownPlace::kHeading);
+    text_.AppendWhole(line_, text, false);
+    EndBlock(Block::kOther);
+  }
+
+  // Where links to the card lead, whatever a viewer makes of headings.
+  void WriteAnchor(const std::string &id) {
+    if (id.empty() || id.find_first_of(" \t") != std::string::npos) return;
+    if (!anchors_.insert(id).second) return;
+    line_ = "<a id=\"";
+    AppendMarkup(line_, id);
+    line_ += "\"></a>";
+    EndBlock(Block::kOther);
+  }
+
+  // Code holds no links and pictures; preformatted text that has some is markup.
+  void TakePreformatted(const Paragraph &paragraph) {
+    const Content &content = paragraph.content;
+    const bool goesOn = paragraph.continues && lastBlock_ == Block::kMarkup;
+    if (goesOn || !content.links.empty() || !content.images.empty()) {
+      AppendPreformatted(content);
+      if (goesOn) {
+        out_ << '\n' << line_;
+      } else {
+        FinishParagraph();
+        if (lastBlock_ != Block::kNone) out_ << '\n';
+        out_ << "<pre>" << line_;
+        lastBlock_ = Block::kMarkup;
+      }
+      return;
+    }
+    for (const Run &run : content.runs) line_ += content.TextOf(run);
+    if (!line_.empty()) line_.insert(0, 4, ' ');
+    if (paragraph.continues && lastBlock_ == Block::kCode) {
+      out_ << line_ << '\n';
+    } else if (!line_.empty()) {
+      EndBlock(Block::kCode);
+    }
+  }
+
+  void AppendPreformatted(const Content &content) {
+    ForEachLinkedRun(
+        content,
+        [&](const Link &link) {
+          if (!IsFollowed(link)) return;
+          line_ += "<a href=\"";
+          AppendMarkup(line_, EncodeTarget(link.target));
+          line_ += "\">";
+        },
+        [&](std::size_t index) {
+          const Run &run = content.runs[index];
+          if (run.image == kNone) {
+            AppendMarkup(line_, content.TextOf(run));
+            return;
+          }
+          AppendMarkup(line_, '[' + std::string(ImageLabel(content.images[run.image])) + ']');
+        },
+        [&](const Link &link) {
+          if (IsFollowed(link)) line_ += "</a>";
+          AppendMarkup(line_, reader_.Details(link));
+        });
+  }
+
+  // A row may have fewer cells than the first.
   void WriteRow(const Table &table, const Row &row, std::size_t columns) {
     line_ = '|';
     for (const Cell &cell : table.CellsOf(row)) {
       line_ += ' ';
-      AppendContent(table.ContentOf(cell), "<br>");
+      text_.BeginBlock(MarkdownPlace::kCell);
+      AppendContent(table.ContentOf(cell));
       line_ += " |";
     }
     for (std::size_t column = row.cellCount; column < columns; ++column) line_ += "  |";
@@ -217,40 +252,45 @@ class MarkdownWriter : public BlockSink {
     out_ << line_ << '\n';
   }
 
-  // Appends running text to the line; `feed` stands for line feeds in it.
-  void AppendContent(const Content &content, std::string_view feed) {
-    const std::size_t start = line_.size();
+  // Calls `begin` and `end` around the runs of each link, and `take` with the index of each run.
+  template <typename Begin, typename Take, typename End>
+  static void ForEachLinkedRun(const Content &content, Begin begin, Take take, End end) {
     std::uint32_t link = kNone;
-    marksEnd_ = std::string::npos;
     for (std::size_t index = 0; index < content.runs.size(); ++index) {
-      const Run &run = content.runs[index];
-      if (run.link != link) {
-        if (link != kNone) EndLink(content.links[link]);
-        link = run.link;
-        if (link != kNone && IsFollowed(content.links[link])) line_ += '[';
+      const std::uint32_t next = content.runs[index].link;
+      if (next != link) {
+        if (link != kNone) end(content.links[link]);
+        if (next != kNone) begin(content.links[next]);
+        link = next;
       }
-      AppendRun(content, index, feed, line_.size() == start && feed.empty());
+      take(index);
     }
-    if (link != kNone) EndLink(content.links[link]);
+    if (link != kNone) end(content.links[link]);
   }
 
-  // Fields of forms and actions without a target are text.
-  static bool IsFollowed(const Link &link) {
-    return IsSafeTarget(link.target) &&
-           (link.action == nullptr || link.action->task.kind == TaskKind::kGo) &&
-           link.field == nullptr;
+  // Appends running text to the line.
+  void AppendContent(const Content &content) {
+    marksEnd_ = std::string::npos;
+    const std::size_t textEnd = content.runs.empty() ? 0 : content.runs.back().end;
+    text_.BeginLine(content.text.substr(0, textEnd));
+    ForEachLinkedRun(
+        content,
+        [&](const Link &link) {
+          if (IsFollowed(link)) MarkdownText::OpenBracket(line_, false);
+        },
+        [&](std::size_t index) { AppendRun(content, index); },
+        [&](const Link &link) {
+          if (IsFollowed(link)) MarkdownText::CloseBracket(line_, link.target, link.title);
+          text_.AppendWhole(line_, reader_.Details(link), false);
+        });
   }
 
-  // A target that is not to be followed leaves its text alone.
-  void EndLink(const Link &link) {
-    if (!IsFollowed(link)) return;
-    line_ += "](";
-    AppendTarget(line_, link.target);
-    line_ += ')';
+  bool IsFollowed(const Link &link) const {
+    return reader_.OutcomeOf(link) == LinkOutcome::kFollowed;
   }
 
   // The character that comes behind a run; a blank at the end of the line.
-  static char32_t Follower(const Content &content, std::size_t index) {
+  char32_t Follower(const Content &content, std::size_t index) const {
     const auto followed = [&](std::uint32_t link) {
       return link != kNone && IsFollowed(content.links[link]);
     };
@@ -261,55 +301,58 @@ class MarkdownWriter : public BlockSink {
     return next.image != kNone ? U'!' : FirstCharacter(content.TextOf(next));
   }
 
-  // Emphasis has to touch its text: blanks at its ends stand outside.
-  void AppendRun(const Content &content, std::size_t index, std::string_view feed, bool lineStart) {
-    const Run &run = content.runs[index];
-    if (run.image != kNone) {
-      const Image &image = content.images[run.image];
-      line_ += "![";
-      AppendEscaped(line_, ImageLabel(image), false);
-      line_ += "](";
-      AppendTarget(line_, IsSafeSource(image.source) ? std::string_view(image.source) : "#");
-      line_ += ')';
+  // A picture that a viewer would fetch from strangers is a link, as far as it is in none.
+  void AppendImage(const Image &image, bool inLink) {
+    const bool link = !remoteImages_ && IsRemote(image.source);
+    if (!IsSafeSource(image.source) || (link && inLink)) {
+      text_.AppendWhole(line_, '[' + std::string(ImageLabel(image)) + ']', inLink);
       return;
     }
-    std::string_view text = content.TextOf(run);
-    const std::size_t first = text.find_first_not_of(" \n");
-    const Emphasis emphasis = EmphasisOf(run.style);
-    if (first == std::string_view::npos || emphasis.mark.empty()) {
-      AppendLines(text, feed, lineStart);
-      return;
-    }
-    AppendLines(text.substr(0, first), feed, false);
-    const std::size_t last = text.find_last_not_of(" \n") + 1;
-    const std::string_view behind = text.substr(last);
-    text = text.substr(first, last - first);
-    const char32_t after = behind.empty() ? Follower(content, index) : U' ';
-    const bool marks = line_.size() != marksEnd_ &&
-                       MarkCounts(FirstCharacter(text), LastCharacter(line_)) &&
-                       MarkCounts(LastCharacter(text), after);
-    line_ += marks ? emphasis.mark : emphasis.openTag;
-    AppendLines(text, feed, false);
-    line_ += marks ? emphasis.mark : emphasis.closeTag;
-    if (marks) marksEnd_ = line_.size();
-    AppendLines(behind, feed, false);
+    MarkdownText::OpenBracket(line_, !link);
+    text_.AppendWhole(line_, ImageLabel(image), true);
+    MarkdownText::CloseBracket(line_, image.source, "");
   }
 
-  void AppendLines(std::string_view text, std::string_view feed, bool lineStart) {
-    for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n')) {
-      AppendEscaped(line_, text.substr(0, at), lineStart);
-      line_ += feed;
-      text.remove_prefix(at + 1);
+  // Emphasis has to touch its text: blanks at its ends stand outside.
+  void AppendRun(const Content &content, std::size_t index) {
+    const Run &run = content.runs[index];
+    const bool inLink = run.link != kNone && IsFollowed(content.links[run.link]);
+    if (run.image != kNone) {
+      AppendImage(content.images[run.image], inLink);
+      return;
     }
-    AppendEscaped(line_, text, lineStart);
+    const std::string_view text = content.TextOf(run);
+    const std::size_t blanks = text.find_first_not_of(" \n");
+    const Emphasis emphasis = EmphasisOf(run.style);
+    if (blanks == std::string_view::npos || emphasis.mark.empty()) {
+      text_.Append(line_, run.begin, run.end, inLink);
+      return;
+    }
+    const std::size_t first = run.begin + blanks;
+    const std::size_t last = run.begin + text.find_last_not_of(" \n") + 1;
+    text_.Append(line_, run.begin, first, inLink);
+    const char32_t after = last == run.end ? Follower(content, index) : U' ';
+    const bool marks = line_.size() != marksEnd_ &&
+                       MarkCounts(FirstCharacter(text.substr(blanks)), LastCharacter(line_)) &&
+                       MarkCounts(LastCharacter(text.substr(0, last - run.begin)), after);
+    line_ += marks ? emphasis.mark : emphasis.openTag;
+    text_.Append(line_, first, last, inLink);
+    line_ += marks ? emphasis.mark : emphasis.closeTag;
+    if (marks) marksEnd_ = line_.size();
+    text_.Append(line_, last, run.end, inLink);
   }
 
   Output &out_;
   bool nameHeading_;
+  bool remoteImages_;
+  LinkReader reader_;
+  MarkdownText text_;
   bool firstCard_ = true;
   Block lastBlock_ = Block::kNone;
   std::string line_;
+  bool addressAtEnd_ = false;  ///< of the line of the paragraph that waits for its end
   std::size_t marksEnd_ = std::string::npos;  ///< where marks in the line have ended last
+  std::unordered_set<std::string> anchors_;
 };
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+#include "host/deck/variables.h"
+
 namespace vs_wml {
 namespace {
 
@@ -36,6 +38,60 @@ bool HasSchemeOf(std::string_view target, std::span<const std::string_view> allo
   return !scheme || std::find(allowed.begin(), allowed.end(), *scheme) != allowed.end();
 }
 
+// Whether a target holds what stands for a variable: a name between braces.
+bool HasVariable(std::string_view target) {
+  for (std::size_t at = target.find('{'); at != std::string_view::npos;
+       at = target.find('{', at + 1)) {
+    const std::size_t end = target.find('}', at);
+    if (end == std::string_view::npos) return false;
+    if (IsVariableName(target.substr(at + 1, end - at - 1))) return true;
+  }
+  return false;
+}
+
+// Words separated by commas.
+struct List {
+  std::string text;
+  void Add(std::string_view word) {
+    if (!text.empty()) text += ", ";
+    text += word;
+  }
+};
+
+bool IsPost(const Link &link) {
+  return link.action != nullptr && link.action->task.method == "post";
+}
+
+// What is done, but for a target that can be seen.
+void AddOutcome(List &list, const Link &link, bool targetShown) {
+  const TaskKind kind = link.action == nullptr ? TaskKind::kGo : link.action->task.kind;
+  switch (kind) {
+    case TaskKind::kGo:
+      if (IsPost(link)) list.Add("POST");
+      if (!targetShown && !link.target.empty()) list.Add(link.target);
+      break;
+    case TaskKind::kPrevious:
+      list.Add("back");
+      break;
+    case TaskKind::kRefresh:
+      list.Add("refresh");
+      break;
+    default:
+      list.Add("nothing");
+  }
+}
+
+// What is sent and assigned.
+void AddValues(List &list, const Link &link) {
+  if (link.action == nullptr) return;
+  for (const NameValue &field : link.action->task.postFields) {
+    list.Add(field.name + '=' + field.value);
+  }
+  for (const NameValue &variable : link.action->task.variables) {
+    list.Add(variable.name + ":=" + variable.value);
+  }
+}
+
 }  // namespace
 
 bool IsSafeTarget(std::string_view target) {
@@ -46,28 +102,75 @@ bool IsSafeSource(std::string_view source) {
   return HasSchemeOf(source, kImageSchemes);
 }
 
-std::string LinkTargetText(const Link &link) {
-  if (link.action == nullptr) return std::string(link.target);
-  const Task &task = link.action->task;
-  switch (task.kind) {
-    case TaskKind::kPrevious:
-      return "(back)";
-    case TaskKind::kRefresh:
-      return "(refresh)";
+std::string EncodeTarget(std::string_view target) {
+  constexpr std::string_view kHex = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char c : target) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte <= 0x20 || byte >= 0x7F ||
+        std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos) {
+      encoded += '%';
+      encoded += kHex[byte >> 4U];
+      encoded += kHex[byte & 15U];
+    } else {
+      encoded += c;
+    }
+  }
+  return encoded;
+}
+
+bool IsRemote(std::string_view source) {
+  const auto scheme = SchemeOf(source);
+  return scheme ? HasSchemeOf(source, kImageSchemes) : source.starts_with("//");
+}
+
+LinkReader::LinkReader(const DeckInfo &deck) : adapted_(deck.adapted) {
+  for (const DeckCard &card : deck.parts.cards) cards_.insert(card.id);
+}
+
+LinkOutcome LinkReader::OutcomeOf(const Link &link) const {
+  if (link.field != nullptr) return LinkOutcome::kField;
+  switch (link.action == nullptr ? TaskKind::kGo : link.action->task.kind) {
     case TaskKind::kGo:
       break;
+    case TaskKind::kPrevious:
+      return LinkOutcome::kBack;
+    case TaskKind::kRefresh:
+      return LinkOutcome::kRefresh;
     default:
-      return "(nothing)";
+      return LinkOutcome::kNothing;
   }
-  std::string text(link.target);
-  if (text.starts_with('#')) return text;
-  if (task.method == "post") text.insert(0, "POST ");
-  const char *separator = " (";
-  for (const NameValue &field : task.postFields) {
-    text += separator + field.name + '=' + field.value;
-    separator = ", ";
+  const std::string_view target = link.target;
+  if (target.empty()) return LinkOutcome::kEmpty;
+  if (HasVariable(target)) return LinkOutcome::kUnresolved;
+  if (!IsSafeTarget(target)) return LinkOutcome::kUnsafe;
+  const bool inDeck = adapted_ && target.starts_with('#');
+  return inDeck && cards_.count(target.substr(1)) == 0 ? LinkOutcome::kNoCard
+                                                       : LinkOutcome::kFollowed;
+}
+
+std::string LinkReader::Details(const Link &link) const {
+  const LinkOutcome outcome = OutcomeOf(link);
+  if (outcome == LinkOutcome::kField) return {};
+  List list;
+  AddOutcome(list, link, outcome == LinkOutcome::kFollowed);
+  AddValues(list, link);
+  return list.text.empty() ? list.text : " (" + list.text + ')';
+}
+
+std::string LinkTargetText(const Link &link) {
+  const TaskKind kind = link.action == nullptr ? TaskKind::kGo : link.action->task.kind;
+  List list;
+  if (kind != TaskKind::kGo) {
+    AddOutcome(list, link, false);
+    AddValues(list, link);
+    return '(' + list.text + ')';
   }
-  return task.postFields.empty() ? text : text + ')';
+  AddValues(list, link);
+  std::string text = IsPost(link) ? "POST " : "";
+  text += link.target;
+  if (!list.text.empty()) text += (text.empty() ? "(" : " (") + list.text + ')';
+  return text;
 }
 
 std::string_view BaseName(std::string_view target) {

@@ -5,8 +5,10 @@
 #ifndef VS_WML_HOST_WRITERS_TARGET_H
 #define VS_WML_HOST_WRITERS_TARGET_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "host/document.h"
 
@@ -19,8 +21,44 @@ bool IsSafeTarget(std::string_view target);
 /// Whether an image may be shown from a page: relative, http or https.
 bool IsSafeSource(std::string_view source);
 
-/// Where a link leads, for people: its target, with what is sent there, or "(back)" and
-/// "(refresh)" for what has none.
+/// A target as a URL: blanks and other characters that no URL holds encoded.
+std::string EncodeTarget(std::string_view target);
+
+/// Whether showing a picture asks a stranger for it: an absolute address, or one that has a
+/// host and takes the scheme from the page.
+bool IsRemote(std::string_view source);
+
+/// What comes of following a link where there is no phone.
+enum class LinkOutcome : std::uint8_t {
+  kFollowed,    ///< it leads to its target
+  kField,       ///< it is none, but a field
+  kBack,        ///< it would lead back
+  kRefresh,     ///< it would show the card anew
+  kNothing,     ///< it does nothing
+  kUnsafe,      ///< its target runs something, or is of a scheme that is not known
+  kUnresolved,  ///< its target has a variable whose value is not known
+  kNoCard,      ///< it leads to a card that the deck does not have
+  kEmpty        ///< it has no target
+};
+
+/// Tells what comes of the links of one deck.
+class LinkReader {
+ public:
+  LinkReader() = default;
+  explicit LinkReader(const DeckInfo &deck);
+
+  LinkOutcome OutcomeOf(const Link &link) const;
+  /// What a format that shows the target of followed links only has to say behind a link:
+  /// " (POST, a=1, x:=17)", " (back)", " (javascript:x)"; empty when there is nothing.
+  std::string Details(const Link &link) const;
+
+ private:
+  bool adapted_ = false;
+  std::unordered_set<std::string_view> cards_;  ///< their ids
+};
+
+/// Where a link leads, for people: its target, with what is sent and assigned, or "(back)"
+/// and "(refresh)" for what has none.
 std::string LinkTargetText(const Link &link);
 
 /// The last part of a path, without query and fragment.

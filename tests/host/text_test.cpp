@@ -287,7 +287,7 @@ TEST(Target, IsShownWithWhatIsSentThere) {
   const std::vector<NameValue> fields = {{"a", "b", ""}, {"c", "", ""}};
   EXPECT_EQ(text(TaskKind::kGo, "u", "post", fields), "POST u (a=b, c=)");
   EXPECT_EQ(text(TaskKind::kGo, "u", "", {fields[0]}), "u (a=b)");
-  EXPECT_EQ(text(TaskKind::kGo, "#card", "post", fields), "#card");
+  EXPECT_EQ(text(TaskKind::kGo, "#card", "post", fields), "POST #card (a=b, c=)");
   EXPECT_EQ(text(TaskKind::kPrevious, "", "", {}), "(back)");
   EXPECT_EQ(text(TaskKind::kRefresh, "", "", {}), "(refresh)");
   EXPECT_EQ(text(TaskKind::kNothing, "", "", {}), "(nothing)");

@@ -234,7 +234,7 @@ TEST(HtmlWriter, PagesAreNamedAfterTheFirstCardOrTheDocument) {
   const auto page = [](const std::string &document) {
     std::string written;
     Output output([&](std::string_view piece) { written += piece; });
-    ReadDeck(PrepareDeck("a<b", document, {}), *MakeHtmlWriter(output));
+    ReadDeck(PrepareDeck("a<b", document, {}), *MakeHtmlWriter(output, {}));
     return written;
   };
   EXPECT_NE(page("<wml><card title='&lt;T'>x").find("<title>&lt;T</title>"), std::string::npos);
