@@ -7,6 +7,7 @@
 
 #include "host/deck/deck_adapter.h"
 #include "host/platform/charset.h"
+#include "host/platform/digest.h"
 #include "host/platform/url.h"
 #include "host/serve/served_bytes.h"
 #include "host/text/utf8.h"
@@ -51,20 +52,36 @@ void RequireWml(std::string_view text) {
   throw NotWml("not WML: no <wml> or <card> element");
 }
 
+// Warnings of the document as a whole.
+void WarnOfAll(DeckInfo &info, std::vector<std::string> messages) {
+  for (std::string &message : messages) info.warnings.push_back({0, std::move(message), {}});
+}
+
 // Finds the character set and converts to UTF-8.
 std::string TextOf(std::string bytes, const DeckOptions &options, DeckInfo &info) {
   if (IsWmlc(bytes)) {
     DecodedWmlc decoded = DecodeWmlc(bytes, options.charset);
     info.charset = std::move(decoded.charset);
     info.charsetOrigin = decoded.charsetOrigin;
-    info.warnings = std::move(decoded.warnings);
+    WarnOfAll(info, std::move(decoded.warnings));
     return std::move(decoded.wml);
   }
-  const DetectedCharset found = DetectCharset(bytes, options.charset, info.warnings);
+  std::vector<std::string> warnings;
+  const DetectedCharset found = DetectCharset(bytes, options.charset, warnings);
+  WarnOfAll(info, std::move(warnings));
   info.charset = found.name;
   info.charsetOrigin = found.origin;
   if (found.markLength != 0) bytes.erase(0, found.markLength);
   return ToUtf8(std::move(bytes), found.name);
+}
+
+void NameDeck(DeckInfo &info, std::string name) {
+  if (!IsValidUtf8(name)) info.sourceBase64 = Base64(name);
+  info.source = RepairUtf8(name);
+  for (std::size_t offset = 0; offset < info.source.size();) {
+    const char32_t character = NextCharacter(info.source, offset);
+    AppendUtf8(info.name, IsControl(character) ? U'?' : character);
+  }
 }
 
 void Adapt(Deck &deck, std::string_view text, const DeckOptions &options) {
@@ -73,7 +90,7 @@ void Adapt(Deck &deck, std::string_view text, const DeckOptions &options) {
   deck.bytes = std::move(adapted.served);
   deck.info.adapted = true;
   deck.info.parts = std::move(adapted.parts);
-  std::vector<std::string> &warnings = deck.info.warnings;
+  std::vector<Warning> &warnings = deck.info.warnings;
   warnings.insert(warnings.end(), std::make_move_iterator(adapted.warnings.begin()),
                   std::make_move_iterator(adapted.warnings.end()));
 }
@@ -89,7 +106,8 @@ bool IsFilterIdentity(long identity) {
 
 Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options) {
   Deck deck;
-  deck.info.name = std::move(name);
+  NameDeck(deck.info, std::move(name));
+  if (options.digest) deck.info.sha256 = Sha256(bytes);
   if (options.identity) {
     deck.identity = *options.identity;
     deck.info.charset = "identity " + std::to_string(*options.identity);
@@ -102,8 +120,8 @@ Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options
   std::string text = TextOf(std::move(bytes), options, deck.info);
   RequireWml(text);
   if (const std::size_t count = CountReplacements(text); count != 0) {
-    deck.info.warnings.push_back(std::to_string(count) +
-                                 " places are not well-formed in the character set");
+    deck.info.warnings.push_back(
+        {0, std::to_string(count) + " places are not well-formed in the character set", {}});
   }
   if (options.raw) {
     deck.bytes = MakeServedBytes(text);

@@ -23,6 +23,7 @@ struct DeckOptions {
   std::map<std::string, std::string> variables;  ///< values, by name
   std::string base;     ///< address that targets are resolved against, empty: none
   std::string charset;  ///< believed before everything else; empty: find it
+  bool digest = false;  ///< fill DeckInfo::sha256
   /// Serve the bytes untouched, under this filter identity.
   std::optional<std::int16_t> identity;
 };
@@ -42,8 +43,8 @@ class NotWml : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Turns the bytes of a document into a deck. Throws NotWml, BrokenWmlc, and
-/// std::invalid_argument when the base is no absolute address.
+/// Turns the bytes of a document into a deck. `name` may have any bytes. Throws NotWml, BrokenWmlc,
+/// and std::invalid_argument when the base is no absolute address.
 Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options);
 
 /// Whether an identity is one of those in WmlOverlayId.

@@ -17,6 +17,7 @@
 
 #include "host/deck/deck_parts.h"
 #include "host/images/picture_library.h"
+#include "host/text/warnings.h"
 
 namespace vs_wml {
 
@@ -41,12 +42,14 @@ struct Link {
   std::string_view title;    ///< empty: none
   /// What following it does; null in a document that was not adapted.
   const Action *action = nullptr;
-  std::size_t actionIndex = kNoIndex;  ///< of the action in DeckParts::actions
+  PartIndex actionIndex = kNoIndex;  ///< of the action in DeckParts::actions
   /// The field that stands here; the text is then what shows it, and there is no target.
   const Field *field = nullptr;
+  PartIndex fieldIndex = kNoIndex;  ///< of the field in DeckParts::fields
 };
 
 struct Image {
+  PartIndex part = kNoIndex;  ///< index into DeckParts::pictures, if it was adapted
   std::string source;
   std::string alternative;
   bool hasAlternative = false;
@@ -142,12 +145,17 @@ enum class CharsetOrigin : std::uint8_t {
 
 /// What is known of a document apart from its text.
 struct DeckInfo {
-  std::string name;     ///< of the source, for people
-  std::string charset;  ///< IANA name, or "identity 1151" when served untouched
+  std::string name;          ///< of the source, for people
+  std::string source;        ///< its exact name; bytes that are no UTF-8 show as U+FFFD
+  std::string sourceBase64;  ///< the bytes of the name when it has such; else empty
+  std::string sha256;        ///< of the document as it came, in hexadecimal; empty: not asked for
+  std::string url;           ///< where it came from, empty: not known
+  std::string contentType;   ///< what the server called it, empty: not known
+  std::string charset;       ///< IANA name, or "identity 1151" when served untouched
   CharsetOrigin charsetOrigin = CharsetOrigin::kFallback;
   bool adapted = false;  ///< actions, forms and variables were adapted for the filter
   DeckParts parts;       ///< empty when it was not adapted
-  std::vector<std::string> warnings;
+  std::vector<Warning> warnings;
 };
 
 /// Takes a document block by block. The arguments are valid during the call. An

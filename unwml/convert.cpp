@@ -54,7 +54,7 @@ std::uint64_t Converter::Run(const Input &input, const vs_wml::Output::Destinati
   if (!input.error.empty()) throw std::runtime_error(input.error);
   std::string bytes = ReadWhole(input.path);
   const std::uint64_t size = bytes.size();
-  vs_wml::Deck deck = vs_wml::PrepareDeck(Printable(input.path), std::move(bytes), options_.deck);
+  vs_wml::Deck deck = vs_wml::PrepareDeck(input.path, std::move(bytes), options_.deck);
   const std::filesystem::path folder = std::filesystem::path(input.path).parent_path();
   deck.pictures = {folder.empty() ? "." : folder, options_.assets};
   vs_wml::Output output(destination);

@@ -69,6 +69,7 @@ void SettleFormat(const CommandLine &line, Options &options) {
 
 void SettleReading(const CommandLine &line, Options &options) {
   options.deck.raw = line.raw || !options.format->writer;
+  options.deck.digest = options.format->writer == vs_wml::Format::kJson;
   for (const std::string &variable : line.variables) {
     AddVariable(variable, options.deck.variables);
   }

@@ -369,12 +369,12 @@ void BlockBuilder::StartCard() {
 
 // The adapter writes one card for each that it tells.
 void BlockBuilder::TakeCardParts() {
-  const std::vector<DeckCard> &cards = deck_.info.parts.cards;
+  const std::deque<DeckCard> &cards = deck_.info.parts.cards;
   linkAction_ = nullptr;
   if (nextCard_ >= cards.size()) return;
   const DeckCard &parts = cards[nextCard_++];
   card_.id = parts.id;
-  card_.title = parts.title;
+  card_.title = parts.title.shown;
   card_.newContext = parts.newContext;
   card_.ordered = parts.ordered;
   card_.parts = &parts;
@@ -611,12 +611,13 @@ void BlockBuilder::TakeLinkParts(Link &link) {
   const auto reference = ParseServedTarget(reference_.target);
   if (!reference) return;
   if (reference->kind == ServedKind::kField && reference->index < parts.fields.size()) {
-    link.field = &parts.fields[reference->index];
+    link.fieldIndex = static_cast<PartIndex>(reference->index);
+    link.field = &parts.fields[link.fieldIndex];
   } else if (reference->kind == ServedKind::kAction && reference->index < parts.actions.size()) {
     link.action = &parts.actions[reference->index];
-    link.actionIndex = reference->index;
-    link.title = link.action->title;
-    link.target = link.action->task.target;
+    link.actionIndex = static_cast<PartIndex>(reference->index);
+    link.title = DetailsOf(*link.action).title.shown;
+    link.target = link.action->task.target.shown;
     if (link.action != linkAction_) ++linkNumber_;
     linkAction_ = link.action;
     link.number = linkNumber_;
@@ -651,14 +652,15 @@ void BlockBuilder::InsertGraphic(const GraphicRecord *graphic) {
 }
 
 void BlockBuilder::TakeImageParts(Image &image) const {
-  const std::vector<Picture> &pictures = deck_.info.parts.pictures;
+  const std::deque<Picture> &pictures = deck_.info.parts.pictures;
   const auto reference = ParseServedTarget(reference_.target);
   if (!reference || reference->kind != ServedKind::kPicture) return;
   if (reference->index >= pictures.size()) return;
   const Picture &picture = pictures[reference->index];
-  image.source = picture.source.empty() ? picture.localSource : picture.source;
-  image.alternative = picture.alternative;
-  image.hasAlternative = picture.hasAlternative;
+  image.part = static_cast<PartIndex>(reference->index);
+  image.source = (picture.source.IsEmpty() ? picture.localSource : picture.source).shown;
+  image.alternative = picture.alternative.shown;
+  image.hasAlternative = picture.alternative.IsGiven();
 }
 
 }  // namespace vs_wml

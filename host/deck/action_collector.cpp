@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/deck/action_collector.h"
 
-#include <set>
-#include <utility>
+#include <algorithm>
+#include <memory>
 
 #include "host/text/ascii.h"
 
@@ -11,51 +11,79 @@ namespace {
 
 constexpr std::string_view kEvents[] = {"onenterforward", "onenterbackward", "ontimer"};
 
-// What an action of a template costs each card that has it, besides its label.
-constexpr std::size_t kTemplateCost = 64;
-
-void GoTo(Task &task, std::string target) {
-  task.kind = TaskKind::kGo;
-  task.target = std::move(target);
-  task.method = "get";
+// The details of an action, made if need be.
+ActionDetails &MakeDetails(Action &action) {
+  if (!action.details) action.details = std::make_unique<ActionDetails>();
+  return *action.details;
 }
 
 }  // namespace
+
+std::string_view ShadowName(const Action &action) {
+  const ActionDetails &details = vs_wml::DetailsOf(action);
+  return action.kind == ActionKind::kDo && !details.name.empty() ? details.name : details.type;
+}
 
 // Actions are large: they are made where they stay.
 Action &ActionCollector::Add(ActionKind kind) {
   Action &action = parts_.actions.emplace_back();
   action.kind = kind;
+  action.number = action.IsLink()
+                      ? parts_.linkCount++
+                      : static_cast<PartIndex>(parts_.actions.size() - 1 - parts_.linkCount);
   return action;
 }
 
 // A key or an event belongs to the card or the template that it stands in.
-void ActionCollector::Register(std::size_t action) {
-  (inTemplate_ ? templateActions_ : cardActions_).push_back(action);
+void ActionCollector::Register(PartIndex action) {
+  (inTemplate_ ? parts_.templateActions : parts_.cardActions).push_back(action);
 }
 
-std::size_t ActionCollector::AddLink(const Token &token) {
+PartIndex ActionCollector::AddLink(const Token &token) {
   Action &link = Add(ActionKind::kLink);
-  link.title = values_.Text(token, "title");
-  GoTo(link.task, values_.Target(token, "href"));
-  return Last();
-}
-
-std::size_t ActionCollector::AddPick(std::string target) {
-  GoTo(Add(ActionKind::kPick).task, std::move(target));
-  return Last();
-}
-
-std::size_t ActionCollector::Begin(TaskOwner owner, ActionKind kind, const Token &token) {
-  Action &action = Add(kind);
-  action.title = values_.Text(token, "title");
-  action.names = std::make_unique<ActionNames>();
-  action.names->label = Collapsed(values_.Text(token, "label"));
-  if (kind == ActionKind::kDo || kind == ActionKind::kEvent) {
-    action.names->type = Lowered(Trim(values_.Text(token, "type")));
-    action.names->name = values_.Text(token, "name");
+  link.task.kind = TaskKind::kGo;
+  for (const Attribute &attribute : token.attributes) {
+    const auto is = [&](std::string_view name) { return IsLowered(attribute.name, name); };
+    if (is("href")) {
+      if (!link.task.target.IsGiven()) link.task.target = values_.Target(&attribute.value);
+    } else if (is("title")) {
+      MakeDetails(link).title = values_.Text(token.Find("title"));
+    } else if (is("accesskey")) {
+      MakeDetails(link).accessKey = values_.Plain(token.Find("accesskey"));
+    } else if (is("tabindex")) {
+      MakeDetails(link).tabIndex = values_.Plain(token.Find("tabindex"));
+    }
   }
-  const std::size_t index = Last();
+  return Last();
+}
+
+PartIndex ActionCollector::AddPick(const std::string_view *target) {
+  Task &task = Add(ActionKind::kPick).task;
+  task.kind = TaskKind::kGo;
+  task.target = values_.Target(target);
+  return Last();
+}
+
+PartIndex ActionCollector::Begin(TaskOwner owner, ActionKind kind, const Token &token) {
+  Action &action = Add(kind);
+  const PartIndex index = Last();
+  if (!token.attributes.empty()) {
+    ActionDetails &details = MakeDetails(action);
+    details.title = values_.Text(token.Find("title"));
+    details.accessKey = values_.Plain(token.Find("accesskey"));
+    details.tabIndex = values_.Plain(token.Find("tabindex"));
+    if (kind == ActionKind::kAnchor) {
+      if (const std::string_view *href = token.Find("href"); href != nullptr) {
+        action.task.kind = TaskKind::kGo;
+        action.task.target = values_.Target(href);
+      }
+    } else {
+      details.type = values_.Lowered(token.Find("type"));
+      details.name = values_.Plain(token.Find("name"));
+      details.label = values_.Line(token.Find("label"));
+      details.optional = values_.Lowered(token.Find("optional"));
+    }
+  }
   if (kind == ActionKind::kDo || kind == ActionKind::kEvent) Register(index);
   owners_.push_back({owner, index});
   ++ownerCount_[static_cast<std::size_t>(owner)];
@@ -63,7 +91,7 @@ std::size_t ActionCollector::Begin(TaskOwner owner, ActionKind kind, const Token
 }
 
 void ActionCollector::End(TaskOwner owner) {
-  task_ = kNoIndex;
+  task_ = nullptr;
   if (ownerCount_[static_cast<std::size_t>(owner)] == 0) return;
   TaskOwner closed{};
   do {
@@ -73,83 +101,102 @@ void ActionCollector::End(TaskOwner owner) {
   } while (closed != owner);
 }
 
-void ActionCollector::BeginTask(TaskKind kind, const Token &token) {
-  task_ = kNoIndex;
+bool ActionCollector::BeginTask(TaskKind kind, const Token &token) {
+  task_ = nullptr;
   if (owners_.empty()) {
     warnings_.Add("a task stands outside of any action", token.offset);
-    return;
+    return false;
   }
-  Task &task = parts_.actions[owners_.back().action].task;
-  if (task.kind != TaskKind::kUnset) {
+  Action &action = parts_.actions[owners_.back().action];
+  task_ = &action.task;
+  if (action.task.kind != TaskKind::kUnset) {
     warnings_.Add("an action has more than one task; the first one counts", token.offset);
-    return;
+    task_ = &MakeDetails(action).more.emplace_back();
   }
-  task_ = owners_.back().action;
-  task.kind = kind;
-  if (kind != TaskKind::kGo) return;
-  task.target = values_.Target(token, "href");
-  task.method = Lowered(values_.Text(token, "method"));
-  if (task.method.empty()) task.method = "get";
-  task.multipart = values_.Text(token, "enctype") == "multipart/form-data";
+  task_->kind = kind;
+  if (kind == TaskKind::kGo) ReadGo(*task_, token);
+  return true;
 }
 
-void ActionCollector::AddPostField(const Token &token) {
-  if (task_ != kNoIndex) parts_.actions[task_].task.postFields.push_back(values_.Pair(token));
+TaskDetails &ActionCollector::DetailsOf(Task &task) {
+  if (!task.details) task.details = std::make_unique<TaskDetails>();
+  return *task.details;
 }
 
-void ActionCollector::AddVariable(const Token &token) {
-  if (task_ != kNoIndex) parts_.actions[task_].task.variables.push_back(values_.Pair(token));
+void ActionCollector::ReadGo(Task &task, const Token &token) {
+  for (const Attribute &attribute : token.attributes) {
+    const auto is = [&](std::string_view name) { return IsLowered(attribute.name, name); };
+    const std::string_view *value = &attribute.value;
+    if (is("href") || is("url")) {
+      if (!task.target.IsGiven()) task.target = values_.Target(token.Find("href", "url"));
+    } else if (is("method")) {
+      DetailsOf(task).method = values_.Lowered(value);
+    } else if (is("enctype")) {
+      DetailsOf(task).encoding = values_.Plain(value);
+    } else if (is("accept-charset")) {
+      DetailsOf(task).acceptCharset = values_.Plain(value);
+    } else if (is("cache-control")) {
+      DetailsOf(task).cacheControl = values_.Plain(value);
+    } else if (is("sendreferer")) {
+      DetailsOf(task).sendReferer = values_.Lowered(value);
+    } else if (is("postdata")) {
+      DetailsOf(task).postData = values_.Text(value);
+    }
+  }
+}
+
+NameValue ActionCollector::Pair(const Token &token) {
+  return {values_.Text(token.Find("name")), values_.Text(token.Find("value"))};
+}
+
+bool ActionCollector::AddPostField(const Token &token) {
+  if (task_ == nullptr) return false;
+  DetailsOf(*task_).postFields.push_back(Pair(token));
+  return true;
+}
+
+bool ActionCollector::AddVariable(const Token &token) {
+  if (task_ == nullptr) return false;
+  DetailsOf(*task_).variables.push_back(Pair(token));
+  return true;
 }
 
 void ActionCollector::AddAttributeEvents(const Token &token) {
   for (const std::string_view event : kEvents) {
-    if (token.Find(event) == nullptr) continue;
+    const std::string_view *target = token.Find(event);
+    if (target == nullptr) continue;
     Action &action = Add(ActionKind::kEvent);
-    action.names = std::make_unique<ActionNames>();
-    action.names->type = event;
-    GoTo(action.task, values_.Target(token, event));
+    MakeDetails(action).type = event;
+    action.task.kind = TaskKind::kGo;
+    action.task.target = values_.Target(target);
     Register(Last());
   }
-}
-
-void ActionCollector::SetTimer(const Token &token) {
-  timer_ = values_.Number(token, "value");
 }
 
 void ActionCollector::BeginCard() {
   inTemplate_ = false;
   owners_.clear();
   ownerCount_ = {};
-  task_ = kNoIndex;
-  cardActions_.clear();
-  timer_ = 0;
+  task_ = nullptr;
 }
 
-// What a card's action has in common with the one of the template that it replaces.
-std::string ActionCollector::ShadowKey(const Action &action) {
-  const ActionNames &names = NamesOf(action);
-  if (action.kind == ActionKind::kEvent) return "event " + names.type;
-  return "do " + (names.name.empty() ? names.type : names.name);
+void ActionCollector::IndexTemplate() {
+  for (; indexed_ < parts_.templateActions.size(); ++indexed_) {
+    const PartIndex index = parts_.templateActions[indexed_];
+    const Action &action = parts_.actions[index];
+    templateIndex_.try_emplace({action.kind, ShadowName(action)}, index);
+  }
 }
 
 void ActionCollector::EndCard(DeckCard &card) {
-  std::set<std::string> own;
-  for (const std::size_t index : cardActions_) {
+  card.actionCount = static_cast<PartIndex>(parts_.cardActions.size()) - card.firstAction;
+  if (parts_.templateActions.empty()) return;
+  IndexTemplate();
+  for (const PartIndex index : parts_.ActionsOf(card)) {
     Action &action = parts_.actions[index];
-    if (!templateActions_.empty()) own.insert(ShadowKey(action));
-    if (NamesOf(action).type == "ontimer") action.delay = timer_;
-    card.actions.push_back(index);
+    const auto found = templateIndex_.find({action.kind, ShadowName(action)});
+    if (found != templateIndex_.end()) MakeDetails(action).shadows = found->second;
   }
-  for (const std::size_t index : templateActions_) {
-    const Action &action = parts_.actions[index];
-    const std::size_t cost = kTemplateCost + ActionLabel(action).size() + ShadowKey(action).size();
-    if (!values_.Spend(cost)) {
-      warnings_.Add("the template has too many actions to show them in every card", 0);
-      break;
-    }
-    if (own.count(ShadowKey(action)) == 0) card.actions.push_back(index);
-  }
-  cardActions_.clear();
 }
 
 }  // namespace vs_wml

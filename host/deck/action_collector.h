@@ -8,8 +8,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <map>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/deck/deck_parts.h"
@@ -29,54 +30,60 @@ class ActionCollector {
       : parts_(parts), values_(values), warnings_(warnings) {}
 
   /// `a`; returns the index of its action.
-  std::size_t AddLink(const Token &token);
+  PartIndex AddLink(const Token &token);
   /// `option` with an `onpick` attribute.
-  std::size_t AddPick(std::string target);
+  PartIndex AddPick(const std::string_view *target);
 
   /// `anchor`, `do` and `onevent`; returns the index of the action. Tasks go to the
   /// innermost open one.
-  std::size_t Begin(TaskOwner owner, ActionKind kind, const Token &token);
+  PartIndex Begin(TaskOwner owner, ActionKind kind, const Token &token);
   void End(TaskOwner owner);
 
-  /// `go`, `prev`, `refresh`, `noop`.
-  void BeginTask(TaskKind kind, const Token &token);
-  void EndTask() { task_ = kNoIndex; }
-  void AddPostField(const Token &token);
-  void AddVariable(const Token &token);
+  /// `go`, `prev`, `refresh`, `noop`; false when it stands outside of any action.
+  bool BeginTask(TaskKind kind, const Token &token);
+  void EndTask() { task_ = nullptr; }
+  /// `postfield` and `setvar`; false when it stands in no task.
+  bool AddPostField(const Token &token);
+  bool AddVariable(const Token &token);
 
   /// Events that are attributes of a `card` or a `template`.
   void AddAttributeEvents(const Token &token);
-  void SetTimer(const Token &token);
 
   void BeginTemplate() { inTemplate_ = true; }
   void EndTemplate() { inTemplate_ = false; }
   void BeginCard();
-  /// Puts the card's actions and those of the template that it does not replace into
-  /// `card`.
+  /// Gives `card` its actions, those that take the place of the template's marked.
   void EndCard(DeckCard &card);
 
  private:
   struct Owner {
     TaskOwner owner;
-    std::size_t action;
+    PartIndex action;
   };
 
   Action &Add(ActionKind kind);
-  std::size_t Last() const { return parts_.actions.size() - 1; }
-  void Register(std::size_t action);
-  static std::string ShadowKey(const Action &action);
+  PartIndex Last() const { return static_cast<PartIndex>(parts_.actions.size() - 1); }
+  void Register(PartIndex action);
+  static TaskDetails &DetailsOf(Task &task);
+  void ReadGo(Task &task, const Token &token);
+  NameValue Pair(const Token &token);
+  void IndexTemplate();
 
   DeckParts &parts_;
   ValueReader &values_;
   Warnings &warnings_;
   std::vector<Owner> owners_;
   std::array<std::size_t, kTaskOwnerCount> ownerCount_{};
-  std::size_t task_ = kNoIndex;  // the action whose task is open
+  Task *task_ = nullptr;  // the open one
   bool inTemplate_ = false;
-  std::vector<std::size_t> templateActions_;
-  std::vector<std::size_t> cardActions_;
-  std::uint32_t timer_ = 0;
+  /// The template's actions, by what cards replace them by.
+  std::map<std::pair<ActionKind, std::string_view>, PartIndex> templateIndex_;
+  std::size_t indexed_ = 0;  // of them so far
 };
+
+/// What a card's action has in common with the one of the template that it replaces: the name
+/// of a key, else its type; the type of an event.
+std::string_view ShadowName(const Action &action);
 
 }  // namespace vs_wml
 

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "host/deck/deck_parts.h"
+#include "host/text/warnings.h"
 
 namespace vs_wml {
 
@@ -27,7 +28,7 @@ struct AdapterOptions {
 struct AdaptedDeck {
   std::string served;  ///< what the filter reads
   DeckParts parts;
-  std::vector<std::string> warnings;
+  std::vector<Warning> warnings;
 };
 
 /// Adapts a document in UTF-8. Time and memory are linear in its length; `served` is

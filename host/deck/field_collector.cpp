@@ -2,6 +2,7 @@
 #include "host/deck/field_collector.h"
 
 #include <charconv>
+#include <memory>
 #include <set>
 #include <utility>
 
@@ -24,73 +25,105 @@ void ForEachPart(std::string_view list, Use use) {
 
 }  // namespace
 
-std::size_t FieldCollector::Add(Field field) {
+PartIndex FieldCollector::Add(Field field) {
   if (!fieldsets_.empty()) field.fieldset = fieldsets_.back();
   parts_.fields.push_back(std::move(field));
-  if (!parts_.cards.empty()) parts_.cards.back().fields.push_back(parts_.fields.size() - 1);
-  return parts_.fields.size() - 1;
+  return static_cast<PartIndex>(parts_.fields.size() - 1);
 }
 
-std::size_t FieldCollector::AddInput(const Token &token) {
+FieldDetails &FieldCollector::DetailsOf(Field &field) {
+  if (!field.details) field.details = std::make_unique<FieldDetails>();
+  return *field.details;
+}
+
+void FieldCollector::ReadFocus(Field &field, const Token &token) {
+  if (const auto *key = token.Find("accesskey"); key != nullptr) {
+    DetailsOf(field).accessKey = values_.Plain(key);
+  }
+  if (const auto *index = token.Find("tabindex"); index != nullptr) {
+    DetailsOf(field).tabIndex = values_.Plain(index);
+  }
+}
+
+PartIndex FieldCollector::AddInput(const Token &token) {
   Field field;
-  field.name = values_.Text(token, "name");
-  field.title = Collapsed(values_.Text(token, "title"));
-  field.type = Lowered(values_.Text(token, "type"));
-  if (field.type.empty()) field.type = "text";
-  field.format = values_.Text(token, "format");
-  field.value = values_.Text(token, "value");
-  field.size = values_.Number(token, "size");
-  field.length = values_.Number(token, "maxlength");
-  field.emptyAllowed = values_.Flag(token, "emptyok", field.format.empty());
+  if (!token.attributes.empty()) {
+    field.name = values_.Plain(token.Find("name", "key"));
+    field.title = values_.Line(token.Find("title"));
+    field.type = values_.Lowered(token.Find("type"));
+    field.format = values_.Plain(token.Find("format"));
+    field.value = values_.Text(token.Find("value", "default"));
+    field.size = ValueReader::Number(token.Find("size"));
+    field.length = ValueReader::Number(token.Find("maxlength"));
+    field.emptyAllowed = ValueReader::Flag(token.Find("emptyok"), field.format.empty());
+    ReadFocus(field, token);
+  }
   return Add(std::move(field));
 }
 
 void FieldCollector::BeginSelect(const Token &token) {
   Field field;
   field.kind = FieldKind::kSelect;
-  field.name = values_.Text(token, "name");
-  if (field.name.empty()) field.name = values_.Text(token, "iname");
-  field.title = Collapsed(values_.Text(token, "title"));
-  field.multiple = values_.Flag(token, "multiple", false);
-  defaultValues_ = values_.Text(token, "value");
-  defaultIndexes_ = values_.Text(token, "ivalue");
+  field.name = values_.Plain(token.Find("name", "key"));
+  field.title = values_.Line(token.Find("title"));
+  field.value = values_.Text(token.Find("value", "default"));
+  field.multiple = ValueReader::Flag(token.Find("multiple"), false);
+  field.firstOption = static_cast<PartIndex>(parts_.options.size());
+  if (const auto *name = token.Find("iname", "ikey"); name != nullptr) {
+    DetailsOf(field).indexName = values_.Plain(name);
+  }
+  if (const auto *value = token.Find("ivalue", "idefault"); value != nullptr) {
+    DetailsOf(field).indexValue = values_.Text(value);
+  }
+  ReadFocus(field, token);
   groups_.clear();
   select_ = Add(std::move(field));
 }
 
-std::size_t FieldCollector::EndSelect() {
+PartIndex FieldCollector::EndSelect() {
   EndOption();
-  MarkDefault(parts_.fields[select_]);
+  Field &field = parts_.fields[select_];
+  field.optionCount = static_cast<PartIndex>(parts_.options.size()) - field.firstOption;
+  MarkDefault(field);
   return std::exchange(select_, kNoIndex);
 }
 
 // Positions count more than values; a list for one choice starts with the first.
-void FieldCollector::MarkDefault(Field &field) const {
+void FieldCollector::MarkDefault(const Field &field) {
   std::set<std::string_view> values;
   std::set<std::size_t> indexes;
-  ForEachPart(defaultIndexes_, [&](std::string_view part) {
-    std::size_t index = 0;
-    std::from_chars(part.data(), part.data() + part.size(), index);
-    if (index >= 1 && index <= field.options.size()) indexes.insert(index - 1);
-  });
-  if (indexes.empty()) ForEachPart(defaultValues_, [&](auto part) { values.insert(part); });
+  if (field.details) {
+    ForEachPart(field.details->indexValue.shown, [&](std::string_view part) {
+      std::size_t index = 0;
+      std::from_chars(part.data(), part.data() + part.size(), index);
+      if (index >= 1 && index <= field.optionCount) indexes.insert(index - 1);
+    });
+  }
+  if (indexes.empty()) ForEachPart(field.value.shown, [&](auto part) { values.insert(part); });
   bool marked = false;
-  for (std::size_t i = 0; i < field.options.size(); ++i) {
-    FieldOption &option = field.options[i];
+  for (PartIndex i = 0; i < field.optionCount; ++i) {
+    FieldOption &option = parts_.options[field.firstOption + i];
     if (marked && !field.multiple) break;
     option.selected =
-        indexes.count(i) != 0 || (!option.value.empty() && values.count(option.value) != 0);
+        indexes.count(i) != 0 || (!option.value.IsEmpty() && values.count(option.value.shown) != 0);
     marked |= option.selected;
   }
-  if (!marked && !field.multiple && !field.options.empty()) field.options[0].selected = true;
+  if (!marked && !field.multiple && field.optionCount != 0) {
+    parts_.options[field.firstOption].selected = true;
+  }
+}
+
+PartIndex FieldCollector::AddTitled(std::deque<Group> &groups, std::vector<PartIndex> &open,
+                                    const Token &token) {
+  const PartIndex outer = open.empty() ? kNoIndex : open.back();
+  groups.push_back({values_.Line(token.Find("title")), outer});
+  open.push_back(static_cast<PartIndex>(groups.size() - 1));
+  return open.back();
 }
 
 void FieldCollector::BeginGroup(const Token &token) {
-  if (!InSelect()) return;
   EndOption();
-  Field &field = parts_.fields[select_];
-  field.groups.push_back(Collapsed(values_.Text(token, "title")));
-  groups_.push_back(field.groups.size() - 1);
+  AddTitled(parts_.groups, groups_, token);
 }
 
 void FieldCollector::EndGroup() {
@@ -99,35 +132,32 @@ void FieldCollector::EndGroup() {
 }
 
 void FieldCollector::BeginOption(const Token &token) {
-  if (!InSelect()) return;
   EndOption();
-  std::vector<FieldOption> &options = parts_.fields[select_].options;
-  option_ = &options.emplace_back();
-  option_->value = values_.Text(token, "value");
-  optionTitle_ = Collapsed(values_.Text(token, "title"));
+  option_ = &parts_.options.emplace_back();
+  option_->value = values_.Text(token.Find("value"));
+  option_->title = values_.Line(token.Find("title"));
   if (!groups_.empty()) option_->group = groups_.back();
 }
 
 void FieldCollector::AddOptionText(std::string_view text) {
-  AppendClean(option_->label, text);
-}
-
-void FieldCollector::SetPick(std::size_t action) {
-  option_->action = action;
+  std::size_t dollar = 0;
+  while ((dollar = text.find('$')) != std::string_view::npos) {
+    AppendClean(optionText_, text.substr(0, dollar + 1));
+    optionText_ += '$';
+    text.remove_prefix(dollar + 1);
+  }
+  AppendClean(optionText_, text);
 }
 
 void FieldCollector::EndOption() {
   if (option_ == nullptr) return;
-  option_->label = Collapsed(option_->label);
-  if (option_->label.empty()) option_->label = optionTitle_;
-  if (option_->label.empty()) option_->label = option_->value;
+  option_->label = values_.Collected(optionText_);
+  optionText_.clear();
   option_ = nullptr;
 }
 
-std::string FieldCollector::BeginFieldset(const Token &token) {
-  parts_.fieldsets.push_back(Collapsed(values_.Text(token, "title")));
-  fieldsets_.push_back(parts_.fieldsets.size() - 1);
-  return parts_.fieldsets.back();
+std::string_view FieldCollector::BeginFieldset(const Token &token) {
+  return parts_.fieldsets[AddTitled(parts_.fieldsets, fieldsets_, token)].title.shown;
 }
 
 void FieldCollector::EndFieldset() {

@@ -21,12 +21,12 @@ class FieldCollector {
   FieldCollector(DeckParts &parts, ValueReader &values) : parts_(parts), values_(values) {}
 
   /// `input`; returns the index of the field.
-  std::size_t AddInput(const Token &token);
+  PartIndex AddInput(const Token &token);
 
   void BeginSelect(const Token &token);
   bool InSelect() const { return select_ != kNoIndex; }
   /// Ends the open list and marks its default; returns the index of the field.
-  std::size_t EndSelect();
+  PartIndex EndSelect();
 
   /// Groups hold the options that follow, until they end.
   void BeginGroup(const Token &token);
@@ -36,28 +36,31 @@ class FieldCollector {
   bool InOption() const { return option_ != nullptr; }
   /// Text of the open option.
   void AddOptionText(std::string_view text);
+  /// A reference to a variable in it.
+  void AddOptionVariable(std::string_view written) { optionText_ += written; }
   /// The action of the open option.
-  void SetPick(std::size_t action);
+  void SetPick(PartIndex action) { option_->action = action; }
   void EndOption();
 
   /// `fieldset`; returns its title, empty when it has none.
-  std::string BeginFieldset(const Token &token);
+  std::string_view BeginFieldset(const Token &token);
   void EndFieldset();
   void EndCard();
 
  private:
-  void MarkDefault(Field &field) const;
-  std::size_t Add(Field field);
+  void MarkDefault(const Field &field);
+  PartIndex Add(Field field);
+  static FieldDetails &DetailsOf(Field &field);
+  void ReadFocus(Field &field, const Token &token);
+  PartIndex AddTitled(std::deque<Group> &groups, std::vector<PartIndex> &open, const Token &token);
 
   DeckParts &parts_;
   ValueReader &values_;
-  std::size_t select_ = kNoIndex;  // the open list
+  PartIndex select_ = kNoIndex;    // the open list
   FieldOption *option_ = nullptr;  // the open option, the last one of the open list
-  std::string defaultValues_;      // of the open list: default values, separated by ';'
-  std::string defaultIndexes_;     // of the open list: default positions from 1 on
-  std::string optionTitle_;        // of the open option
-  std::vector<std::size_t> groups_;
-  std::vector<std::size_t> fieldsets_;
+  std::string optionText_;         // of the open option, dollars doubled
+  std::vector<PartIndex> groups_;
+  std::vector<PartIndex> fieldsets_;
 };
 
 }  // namespace vs_wml

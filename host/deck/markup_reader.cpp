@@ -44,11 +44,11 @@ std::size_t CountLetters(std::uint64_t lowered) {
 
 }  // namespace
 
-const std::string_view *Token::Find(std::string_view attribute) const {
+const std::string_view *Token::Find(std::string_view attribute, std::string_view older) const {
   for (const Attribute &entry : attributes) {
     if (IsLowered(entry.name, attribute)) return &entry.value;
   }
-  return nullptr;
+  return older.empty() ? nullptr : Find(older);
 }
 
 // A '<' that does not look like markup is text: "a < b".

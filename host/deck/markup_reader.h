@@ -51,9 +51,9 @@ struct Token {
   std::vector<Attribute> attributes;  ///< of kStartTag
   bool empty = false;                 ///< of kStartTag: closed by "/"
 
-  /// The first attribute of that name (in lower case), however it is written; null when
-  /// there is none.
-  const std::string_view *Find(std::string_view attribute) const;
+  /// The first attribute of that name (in lower case), however it is written, else that of
+  /// the older name; null when there is none.
+  const std::string_view *Find(std::string_view attribute, std::string_view older = {}) const;
 };
 
 /// Reads tokens one after the other. Comments, processing instructions, declarations

@@ -135,7 +135,7 @@ std::size_t NamedReferenceLength(std::string_view text) {
   return end < text.size() && text[end] == ';' ? end + 1 : 0;
 }
 
-void AppendClean(std::string &out, std::string_view text) {
+void AppendClean(std::string &out, std::string_view text, LineEnds lineEnds) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const std::size_t clean = LengthBefore(text.substr(at), MayBeControl{});
     out += text.substr(at, clean);
@@ -147,21 +147,21 @@ void AppendClean(std::string &out, std::string_view text) {
     if (highControl) {
       ++at;
     } else if (IsWhiteSpace(text[at])) {
-      out += ' ';
+      if (lineEnds == LineEnds::kBlanks) out += ' ';
     } else if (byte >= 0x20 && byte != 0x7F) {
       out += text[at];
     }
   }
 }
 
-std::string DecodeAttribute(std::string_view raw) {
+std::string DecodeAttribute(std::string_view raw, LineEnds lineEnds) {
   const auto isSpecial = [](auto byte) { return MayBeControl{}(byte) | (byte == '&'); };
   const std::size_t plain = LengthBefore(raw, isSpecial);
   std::string value(raw.substr(0, plain));
   raw.remove_prefix(plain);
   while (!raw.empty()) {
     const std::size_t reference = std::min(raw.find('&'), raw.size());
-    AppendClean(value, raw.substr(0, reference));
+    AppendClean(value, raw.substr(0, reference), lineEnds);
     raw.remove_prefix(reference);
     if (raw.empty()) break;
     const CharacterReference character = ReadReference(raw, ReferencePlace::kAttribute);
@@ -170,7 +170,7 @@ std::string DecodeAttribute(std::string_view raw) {
       bytes.clear();
       AppendUtf8(bytes, character.character);
     }
-    AppendClean(value, bytes);
+    AppendClean(value, bytes, lineEnds);
     raw.remove_prefix(std::max<std::size_t>(character.length, 1));
   }
   return value;

@@ -31,12 +31,15 @@ CharacterReference ReadReference(std::string_view text, ReferencePlace place);
 /// letters and digits), else 0.
 std::size_t NamedReferenceLength(std::string_view text);
 
-/// Appends text with its white space as blanks and without control characters.
-void AppendClean(std::string &out, std::string_view text);
+/// What becomes of line ends and tabs in a value.
+enum class LineEnds { kBlanks, kLeftOut };
 
-/// The value of an attribute: references replaced, line ends and tabs spaces, control
-/// characters left out.
-std::string DecodeAttribute(std::string_view raw);
+/// Appends text without control characters.
+void AppendClean(std::string &out, std::string_view text, LineEnds lineEnds = LineEnds::kBlanks);
+
+/// The value of an attribute: references replaced, control characters left out. Line ends
+/// and tabs count for nothing in an address (WHATWG URL, 4.4).
+std::string DecodeAttribute(std::string_view raw, LineEnds lineEnds = LineEnds::kBlanks);
 
 }  // namespace vs_wml
 

@@ -10,63 +10,69 @@
 
 namespace vs_wml {
 
-std::string ValueReader::Text(const Token &token, std::string_view attribute) {
-  const std::string_view *raw = token.Find(attribute);
+std::string_view ValueReader::Plain(const std::string_view *raw) {
+  return raw == nullptr ? std::string_view() : texts_.Keep(DecodeAttribute(*raw));
+}
+
+std::string_view ValueReader::Lowered(const std::string_view *raw) {
   if (raw == nullptr) return {};
-  return Substituted(DecodeAttribute(*raw), Conversion::kVerbatim);
+  return texts_.Keep(vs_wml::Lowered(Trim(DecodeAttribute(*raw))));
 }
 
-std::string ValueReader::Target(const Token &token, std::string_view attribute) {
-  const std::string_view *raw = token.Find(attribute);
+Value ValueReader::Text(const std::string_view *raw) {
+  return raw == nullptr ? Value() : Make(DecodeAttribute(*raw), Conversion::kVerbatim);
+}
+
+Value ValueReader::Line(const std::string_view *raw) {
+  return raw == nullptr ? Value() : Make(Collapsed(DecodeAttribute(*raw)), Conversion::kVerbatim);
+}
+
+Value ValueReader::Target(const std::string_view *raw) {
   if (raw == nullptr) return {};
-  std::string decoded = DecodeAttribute(*raw);
-  const std::string_view trimmed = Trim(decoded);
-  if (trimmed.size() != decoded.size()) decoded = std::string(trimmed);
-  return Substituted(std::move(decoded), Conversion::kEscape);
+  return Make(Trim(DecodeAttribute(*raw, LineEnds::kLeftOut)), Conversion::kEscape);
 }
 
-std::string ValueReader::Substituted(std::string text, Conversion usual) {
-  if (text.find('$') == std::string::npos) return text;
-  return survey_.KnownVariables().Substitute(text, usual, budget_);
+Value ValueReader::Collected(std::string_view written) {
+  return Make(Collapsed(written), Conversion::kVerbatim);
 }
 
-std::uint32_t ValueReader::Number(const Token &token, std::string_view attribute) {
-  const std::string value = Text(token, attribute);
-  std::uint32_t number = 0;
+Value ValueReader::Make(std::string_view written, Conversion usual) {
+  const Value value(texts_.Keep(written));
+  if (written.find('$') == std::string_view::npos) return value;
+  const auto [shown, resolved] =
+      survey_.KnownVariables().Substitute(written, usual, card_, budget_);
+  return shown == written ? value : Value(texts_.Keep(shown), value.written, resolved);
+}
+
+std::uint32_t ValueReader::Number(const std::string_view *raw) {
+  if (raw == nullptr) return 0;
+  const std::string value = DecodeAttribute(*raw);
   const std::string_view digits = Trim(value);
+  std::uint32_t number = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), number);
   return number;
 }
 
-bool ValueReader::Flag(const Token &token, std::string_view attribute, bool missing) {
-  const std::string value = Text(token, attribute);
-  if (EqualIgnoringCase(value, "true")) return true;
-  return EqualIgnoringCase(value, "false") ? false : missing;
+bool ValueReader::Flag(const std::string_view *raw, bool missing) {
+  if (raw == nullptr) return missing;
+  const std::string value = DecodeAttribute(*raw);
+  if (EqualIgnoringCase(Trim(value), "true")) return true;
+  return EqualIgnoringCase(Trim(value), "false") ? false : missing;
 }
 
-NameValue ValueReader::Pair(const Token &token) {
-  NameValue pair{Text(token, "name"), Text(token, "value"), {}};
-  if (const std::string_view *raw = token.Find("value"); raw != nullptr && !raw->empty()) {
-    const VariableReference reference =
-        raw->front() == '$' ? ReadVariable(*raw) : VariableReference{};
-    if (reference.length == raw->size()) pair.variable = reference.name;
-  }
-  return pair;
-}
-
-std::string ValueReader::Word(const Token &token, std::string_view attribute) {
+std::string ValueReader::Word(const Token &token, std::string_view name) {
   constexpr std::size_t kLongest = 16;
-  const std::string_view *raw = token.Find(attribute);
+  const std::string_view *raw = token.Find(name);
   if (raw == nullptr || raw->empty() || raw->size() > kLongest) return {};
   const bool plain = std::all_of(raw->begin(), raw->end(), [](char c) {
     return IsLetter(c) || IsDigit(c) || c == '.' || c == '%';
   });
   if (!plain) return {};
-  return ' ' + std::string(attribute) + "=\"" + std::string(*raw) + '"';
+  return ' ' + std::string(name) + "=\"" + std::string(*raw) + '"';
 }
 
 std::string ValueReader::Show(const VariableReference &reference) {
-  std::string shown = survey_.KnownVariables().Show(reference, Conversion::kVerbatim);
+  std::string shown = survey_.KnownVariables().Show(reference, Conversion::kVerbatim, card_);
   // What `{name}` adds to the reference itself is always affordable.
   if (shown.size() > reference.name.size() + 2 && !Spend(shown.size())) {
     shown = '{' + std::string(reference.name) + '}';

@@ -16,9 +16,14 @@ constexpr bool IsNameCharacter(char c) {
   return IsNameStart(c) || IsDigit(c);
 }
 
-std::size_t NameLength(std::string_view text) {
+constexpr bool IsDottedNameCharacter(char c) {
+  return IsNameCharacter(c) || c == '.';
+}
+
+template <typename IsCharacter>
+std::size_t NameLength(std::string_view text, IsCharacter isCharacter) {
   if (text.empty() || !IsNameStart(text[0])) return 0;
-  const auto end = std::find_if_not(text.begin(), text.end(), IsNameCharacter);
+  const auto end = std::find_if_not(text.begin(), text.end(), isCharacter);
   return static_cast<std::size_t>(end - text.begin());
 }
 
@@ -37,7 +42,7 @@ constexpr std::size_t kLongestConversion = 6;
 // `(name)` or `(name:conversion)`.
 VariableReference ReadBracketed(std::string_view text) {
   VariableReference reference;
-  const std::size_t length = NameLength(text.substr(2));
+  const std::size_t length = NameLength(text.substr(2), IsDottedNameCharacter);
   if (length == 0) return {};
   reference.name = text.substr(2, length);
   std::size_t at = 2 + length;
@@ -73,13 +78,13 @@ VariableReference ReadVariable(std::string_view text) {
   if (text.size() < 2) return {};
   if (text[1] == '$') return {.name = {}, .conversion = Conversion::kDefault, .length = 2};
   if (text[1] == '(') return ReadBracketed(text);
-  const std::size_t length = NameLength(text.substr(1));
+  const std::size_t length = NameLength(text.substr(1), IsNameCharacter);
   if (length == 0) return {};
   return {text.substr(1, length), Conversion::kDefault, 1 + length};
 }
 
 bool IsVariableName(std::string_view name) {
-  return !name.empty() && NameLength(name) == name.size();
+  return !name.empty() && NameLength(name, IsDottedNameCharacter) == name.size();
 }
 
 std::string PercentEncode(std::string_view text) {
@@ -116,29 +121,47 @@ std::string PercentDecode(std::string_view text) {
 
 Variables::Variables(const std::map<std::string, std::string> &given) {
   for (const auto &[name, text] : given) {
-    values_[name] = {text, true, text.size() > kLongestValue};
+    values_[name] = {text, true, text.size() > kLongestValue, {}};
   }
 }
 
-void Variables::Suggest(const std::string &name, const std::string &value) {
-  if (!IsVariableName(name) || value.empty()) return;
-  const auto [entry, added] = values_.try_emplace(name);
-  Value &known = entry->second;
-  if (known.given) return;
-  if (added && value.size() <= kLongestValue) {
-    known.text = value;
-  } else if (known.text != value) {
-    known.ambiguous = true;
+// The entry of a variable that the user has not given.
+Variables::Known *Variables::Note(const std::string &name) {
+  if (!IsVariableName(name)) return nullptr;
+  Known &known = values_[name];
+  return known.given ? nullptr : &known;
+}
+
+void Variables::Suggest(const std::string &name, const std::string &value, std::size_t card) {
+  if (value.empty()) return;
+  Known *known = Note(name);
+  if (known == nullptr) return;
+  if (known->text.empty() && value.size() <= kLongestValue) {
+    known->text = value;
+  } else if (known->text != value) {
+    known->unsettled = true;
+  }
+  if (card != 0 && (known->cards.empty() || known->cards.back() != card)) {
+    known->cards.push_back(card);
   }
 }
 
-const std::string *Variables::Find(std::string_view name) const {
+void Variables::Unsettle(const std::string &name) {
+  if (Known *known = Note(name); known != nullptr) known->unsettled = true;
+}
+
+const std::string *Variables::Find(std::string_view name, std::size_t card) const {
   const auto found = values_.find(name);
-  return found == values_.end() || found->second.ambiguous ? nullptr : &found->second.text;
+  if (found == values_.end() || found->second.unsettled) return nullptr;
+  const Known &known = found->second;
+  const bool isSet =
+      known.given || std::binary_search(known.cards.begin(), known.cards.end(), card);
+  return isSet ? &known.text : nullptr;
 }
 
-std::string Variables::Show(const VariableReference &reference, Conversion usual) const {
-  const std::string *value = Find(reference.name);
+std::string Variables::Show(const VariableReference &reference, Conversion usual,
+                            std::size_t card) const {
+  const std::string *value = Find(reference.name, card);
   if (value == nullptr) return "{" + std::string(reference.name) + "}";
   switch (reference.conversion == Conversion::kDefault ? usual : reference.conversion) {
     case Conversion::kEscape:
@@ -150,28 +173,22 @@ std::string Variables::Show(const VariableReference &reference, Conversion usual
   }
 }
 
-std::string Variables::Substitute(std::string_view text, Conversion usual,
-                                  std::size_t &budget) const {
-  std::string result;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t dollar = std::min(text.find('$', at), text.size());
-    result += text.substr(at, dollar - at);
-    at = dollar;
-    if (at == text.size()) break;
-    const VariableReference reference = ReadVariable(text.substr(at));
-    if (reference.name.empty()) {
-      result += '$';
-      at += std::max<std::size_t>(reference.length, 1);
-      continue;
-    }
-    std::string shown = Show(reference, usual);
+Variables::Substituted Variables::Substitute(std::string_view text, Conversion usual,
+                                             std::size_t card, std::size_t &budget) const {
+  Substituted result;
+  const auto show = [&](const VariableReference &reference) {
+    std::string shown = Show(reference, usual, card);
+    bool resolved = Find(reference.name, card) != nullptr;
     if (shown.size() > budget + reference.length + 2) {
       shown = "{" + std::string(reference.name) + "}";
+      resolved = false;
     }
     budget -= std::min(budget, shown.size());
-    result += shown;
-    at += reference.length;
-  }
+    result.text += shown;
+    result.resolved &= resolved;
+  };
+  ForEachPiece(
+      text, [&](std::string_view piece) { result.text += piece; }, show);
   return result;
 }
 

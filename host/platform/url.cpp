@@ -98,10 +98,14 @@ std::string BaseUrl::Resolve(std::string_view target) const {
 }
 
 void ResolveTargets(DeckParts &parts, const BaseUrl &base) {
-  for (Action &action : parts.actions) {
-    if (action.task.kind == TaskKind::kGo) action.task.target = base.Resolve(action.task.target);
-  }
-  for (Picture &picture : parts.pictures) picture.source = base.Resolve(picture.source);
+  // What stands for an unknown variable is no part of an address.
+  const auto resolve = [&](Value &target) {
+    if (!target.resolved || target.IsEmpty()) return;
+    const std::string resolved = base.Resolve(target.shown);
+    if (resolved != target.shown) target.shown = parts.texts.Keep(resolved);
+  };
+  for (Action &action : parts.actions) resolve(action.task.target);
+  for (Picture &picture : parts.pictures) resolve(picture.source);
 }
 
 }  // namespace vs_wml

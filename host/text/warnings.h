@@ -12,19 +12,38 @@
 
 namespace vs_wml {
 
-/// Collects warnings, each kind once, with the line where it was met first.
+struct Warning {
+  std::size_t line = 0;  ///< of the document, from 1 on; 0: it is about all of it
+  std::string message;   ///< in English
+  std::string text;      ///< what of the document is left out, empty: nothing
+};
+
+/// A warning as a line of text: "line 3: text outside of the cards is left out: Hello".
+std::string WarningText(const Warning &warning);
+
+/// Collects warnings of a document.
 class Warnings {
  public:
   explicit Warnings(std::string_view document) : document_(document) {}
 
-  /// `message` is a literal: a kind is known by its address.
+  /// Says it once, with the line where it was met first. `message` is a literal: a kind is
+  /// known by its address.
   void Add(const char *message, std::size_t offset);
-  std::vector<std::string> Take() { return std::move(texts_); }
+  /// Says each time what is left out, once a line. `text` points into the document.
+  void AddLoss(const char *message, std::string_view text);
+  /// The warnings in the order of their lines.
+  std::vector<Warning> Take();
 
  private:
+  struct Entry {
+    std::size_t offset;
+    const char *message;
+    std::string text;
+    std::size_t end;  // of the text in the document
+  };
   std::string_view document_;
   std::vector<const char *> kinds_;
-  std::vector<std::string> texts_;
+  std::vector<Entry> entries_;
 };
 
 }  // namespace vs_wml

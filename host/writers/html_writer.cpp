@@ -222,7 +222,7 @@ class HtmlWriter : public BlockSink {
     if (link.action == nullptr) return LinkShape::kAnchor;
     const Task &task = link.action->task;
     if (task.kind != TaskKind::kGo) return LinkShape::kInert;
-    const bool sends = task.method == "post" || !task.postFields.empty();
+    const bool sends = task.Posts() || !task.PostFields().empty();
     return sends && !link.target.starts_with('#') ? LinkShape::kButton : LinkShape::kAnchor;
   }
 
@@ -234,7 +234,7 @@ class HtmlWriter : public BlockSink {
     }
     if (shape == LinkShape::kButton) {
       forms_.try_emplace(link.actionIndex, false);
-      out_ << "<button form=\"" << kFormId << link.actionIndex << '"';
+      out_ << "<button form=\"" << kFormId << std::size_t{link.actionIndex} << '"';
     } else {
       WriteLinkTag(link, shape);
     }
@@ -289,15 +289,15 @@ class HtmlWriter : public BlockSink {
       if (std::exchange(written, true)) continue;
       const Task &task = parts_->actions[index].task;
       out_ << "<form id=\"" << kFormId << index << '"';
-      WriteAttribute("action", EncodeTarget(task.target));
-      out_ << " method=\"" << (task.method == "post" ? "post" : "get") << '"';
-      if (task.multipart) WriteAttribute("enctype", "multipart/form-data");
+      WriteAttribute("action", EncodeTarget(task.target.shown));
+      out_ << " method=\"" << (task.Posts() ? "post" : "get") << '"';
+      if (task.IsMultipart()) WriteAttribute("enctype", "multipart/form-data");
       out_ << '>';
-      for (const NameValue &field : task.postFields) {
+      for (const NameValue &field : task.PostFields()) {
         if (field.fromField) continue;
         out_ << "<input type=\"hidden\"";
-        WriteAttribute("name", field.name);
-        WriteAttribute("value", field.value);
+        WriteAttribute("name", field.name.shown);
+        WriteAttribute("value", field.value.shown);
         out_ << '>';
       }
       out_ << "</form>\n";
@@ -307,9 +307,9 @@ class HtmlWriter : public BlockSink {
   void WriteField(const Field &field) {
     const bool isInput = field.kind == FieldKind::kInput;
     out_ << (isInput ? "<input" : "<select");
-    if (field.action != kNoIndex) out_ << " form=\"" << kFormId << field.action << '"';
-    WriteAttribute("name", field.action == kNoIndex ? field.name : field.sentName);
-    WriteAttribute("aria-label", field.title.empty() ? field.name : field.title);
+    if (field.action != kNoIndex) out_ << " form=\"" << kFormId << std::size_t{field.action} << '"';
+    WriteAttribute("name", field.action == kNoIndex ? field.Variable() : field.sentName);
+    WriteAttribute("aria-label", field.Label());
     if (isInput) {
       WriteInput(field);
     } else {
@@ -324,36 +324,37 @@ class HtmlWriter : public BlockSink {
              : field.type == "password" ? "password"
                                         : "text")
          << '"';
-    if (!field.value.empty()) WriteAttribute("value", field.value);
+    if (!field.value.IsEmpty()) WriteAttribute("value", field.value.shown);
     if (field.size != 0) out_ << " size=\"" << std::size_t{field.size} << '"';
     if (field.length != 0) out_ << " maxlength=\"" << std::size_t{field.length} << '"';
-    if (!field.title.empty()) WriteTitle(field.title);
+    if (!field.title.IsEmpty()) WriteTitle(field.title.shown);
     out_ << '>';
   }
 
   void WriteOptions(const Field &field) {
     if (field.multiple) {
-      out_ << " multiple size=\"" << std::clamp<std::size_t>(field.options.size(), 1, kMostRows)
+      out_ << " multiple size=\"" << std::clamp<std::size_t>(field.optionCount, 1, kMostRows)
            << '"';
     }
-    if (!field.title.empty()) WriteTitle(field.title);
+    if (!field.title.IsEmpty()) WriteTitle(field.title.shown);
     out_ << '>';
-    std::size_t group = kNoIndex;
-    for (const FieldOption &option : field.options) {
+    PartIndex group = kNoIndex;
+    for (PartIndex index = 0; index < field.optionCount; ++index) {
+      const FieldOption &option = parts_->options[field.firstOption + index];
       if (option.group != group) {
         if (group != kNoIndex) out_ << "</optgroup>";
         group = option.group;
         if (group != kNoIndex) {
           out_ << "<optgroup";
-          WriteAttribute("label", field.groups[group]);
+          WriteAttribute("label", parts_->groups[group].title.shown);
           out_ << '>';
         }
       }
       out_ << "<option";
-      WriteAttribute("value", option.value);
+      WriteAttribute("value", option.value.shown);
       if (option.selected) out_ << " selected";
       out_ << '>';
-      Escape(out_, option.label);
+      Escape(out_, option.Label());
       out_ << "</option>";
     }
     if (group != kNoIndex) out_ << "</optgroup>";

@@ -15,9 +15,7 @@ constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 }  // namespace
 
-void JsonText::String(std::string_view text) {
-  Separate();
-  out_ << '"';
+void JsonText::StringPart(std::string_view text) {
   while (!text.empty()) {
     const std::string_view piece = text.substr(0, kPiece);
     std::size_t done = CopyBefore(piece, out_.Room(piece.size()), [](auto byte) {
@@ -27,7 +25,6 @@ void JsonText::String(std::string_view text) {
     if (done != piece.size()) Escape(piece[done++]);
     text.remove_prefix(done);
   }
-  out_ << '"';
 }
 
 void JsonText::Escape(char c) {

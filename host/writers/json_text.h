@@ -40,7 +40,18 @@ class JsonText {
     separated_ = false;
   }
   /// A string of well-formed UTF-8.
-  void String(std::string_view text);
+  void String(std::string_view text) {
+    BeginString();
+    StringPart(text);
+    EndString();
+  }
+  /// A string in parts.
+  void BeginString() {
+    Separate();
+    out_ << '"';
+  }
+  void StringPart(std::string_view text);
+  void EndString() { out_ << '"'; }
   void Bool(bool value) { Word(value ? "true" : "false"); }
   void Number(std::uint64_t value);
   /// `value / divisor`, to two decimals at most, the rest cut off; at least one is written.

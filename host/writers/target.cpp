@@ -6,8 +6,6 @@
 #include <span>
 #include <string>
 
-#include "host/deck/variables.h"
-
 namespace vs_wml {
 namespace {
 
@@ -38,17 +36,6 @@ bool HasSchemeOf(std::string_view target, std::span<const std::string_view> allo
   return !scheme || std::find(allowed.begin(), allowed.end(), *scheme) != allowed.end();
 }
 
-// Whether a target holds what stands for a variable: a name between braces.
-bool HasVariable(std::string_view target) {
-  for (std::size_t at = target.find('{'); at != std::string_view::npos;
-       at = target.find('{', at + 1)) {
-    const std::size_t end = target.find('}', at);
-    if (end == std::string_view::npos) return false;
-    if (IsVariableName(target.substr(at + 1, end - at - 1))) return true;
-  }
-  return false;
-}
-
 // Words separated by commas.
 struct List {
   std::string text;
@@ -59,7 +46,7 @@ struct List {
 };
 
 bool IsPost(const Link &link) {
-  return link.action != nullptr && link.action->task.method == "post";
+  return link.action != nullptr && link.action->task.Posts();
 }
 
 // What is done, but for a target that can be seen.
@@ -84,11 +71,11 @@ void AddOutcome(List &list, const Link &link, bool targetShown) {
 // What is sent and assigned.
 void AddValues(List &list, const Link &link) {
   if (link.action == nullptr) return;
-  for (const NameValue &field : link.action->task.postFields) {
-    list.Add(field.name + '=' + field.value);
+  for (const NameValue &field : link.action->task.PostFields()) {
+    list.Add(std::string(field.name.shown).append("=").append(field.value.shown));
   }
-  for (const NameValue &variable : link.action->task.variables) {
-    list.Add(variable.name + ":=" + variable.value);
+  for (const NameValue &variable : link.action->task.Variables()) {
+    list.Add(std::string(variable.name.shown).append(":=").append(variable.value.shown));
   }
 }
 
@@ -142,7 +129,7 @@ LinkOutcome LinkReader::OutcomeOf(const Link &link) const {
   }
   const std::string_view target = link.target;
   if (target.empty()) return LinkOutcome::kEmpty;
-  if (HasVariable(target)) return LinkOutcome::kUnresolved;
+  if (link.action != nullptr && !link.action->task.target.resolved) return LinkOutcome::kUnresolved;
   if (!IsSafeTarget(target)) return LinkOutcome::kUnsafe;
   const bool inDeck = adapted_ && target.starts_with('#');
   return inDeck && cards_.count(target.substr(1)) == 0 ? LinkOutcome::kNoCard

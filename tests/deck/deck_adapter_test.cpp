@@ -81,7 +81,8 @@ constexpr ContentCase kLinks[] = {
     {"<a href=\"x?a=b&amp;c\" title='t'> go </a>on", " <a href=\"unwml:a:0\">go</a> on"},
     {"<a href=dir/>text</a>", "<a href=\"unwml:a:0\">text</a>"},
     {"<a>no target</a>", "no target"},
-    {"<a href='1'></a>x", "<a href=\"unwml:a:0\"></a>x"},
+    {"<a href='1'></a>x", "<a href=\"unwml:a:0\">1</a>x"},
+    {"<a href='1' title='T'/>x", "<a href=\"unwml:a:0\">T</a>x"},
     {"<a href='1'>a<a href='2'>b</a>c</a>d",
      "<a href=\"unwml:a:0\">a</a><a href=\"unwml:a:1\">b</a><a href=\"unwml:a:0\">c</a>d"},
     {"<a href='1'>a<b>b</a>c</b>", "<a href=\"unwml:a:0\">a<b>b</b></a><b>c</b>"},
@@ -109,11 +110,11 @@ constexpr ContentCase kForms[] = {
      "<option value='b'/><option value='c' title='C'/></optgroup></select>",
      "<a href=\"unwml:f:0\">[T: [ ] A G: [x] b [x] C]</a>"},
     {"<select><option onpick='#a'>A</option><option>B</option>stray</select>",
-     "stray<p><a href=\"unwml:a:0\">A</a><p>B<p>"},
+     "stray<a href=\"unwml:f:0\">[: (*) A ( ) B]</a><p><a href=\"unwml:a:0\">A</a><p>"},
     {"<select name='s'><option>a<img src='i' alt='A'/></option></select>",
      "<a href=\"unwml:f:0\">[s: (*) aA]</a>"},
     {"<select><option>A<onevent type='onpick'><go href='#a'/></onevent></option></select>",
-     "<p><a href=\"unwml:a:0\">A</a><p>"},
+     "<a href=\"unwml:f:0\">[: (*) A]</a><p><a href=\"unwml:a:0\">A</a><p>"},
     {"<input title='a\x01\x7F\xC2\x9B&#9;b'/><select name='s'><option>c\x02\xC2\x9B"
      "d</option></select>",
      "<a href=\"unwml:f:0\">[a b: ____]</a><a href=\"unwml:f:1\">[s: (*) cd]</a>"},
@@ -191,7 +192,7 @@ TEST(DeckAdapter, WarnsOfWhatItLeavesOut) {
     const char *warning;
   } cases[] = {
       {"<wml>\n<card>a</card>\nbetween<card>b</card> </wml>\n",
-       "line 2: text outside of the cards"},
+       "line 3: text outside of the cards"},
       {"<wml><head>\n<title>t</title></head><card/></wml>", "line 2: text outside of the cards"},
       {"<wml><card/><![CDATA[a]]></wml>", "line 1: text outside of the cards"},
       {"From: a\n\n<wml><card/></wml>", "line 1: text outside of the cards"},
@@ -201,7 +202,7 @@ TEST(DeckAdapter, WarnsOfWhatItLeavesOut) {
   };
   for (const auto &item : cases) {
     const AdaptedDeck deck = AdaptDeck(item.document);
-    const std::string warning = deck.warnings.empty() ? "" : deck.warnings.front();
+    const std::string warning = deck.warnings.empty() ? "" : WarningText(deck.warnings.front());
     EXPECT_EQ(warning.substr(0, warning.find(" is left out")), item.warning) << item.document;
     EXPECT_LE(deck.warnings.size(), 1U) << item.document;
   }
@@ -215,12 +216,25 @@ TEST(DeckAdapter, GivesVariablesTheirValues) {
                           "$(plain:e)",
                           options),
             "1 &amp; 2 1%20%26%202 aå%zz %9B -._~%2F");
-  EXPECT_EQ(ServedContent("<setvar name='a' value='x y'/><setvar name='b' value='$(a:e)'/>"
-                          "<input name='i' value='v'/>$a $b $i"),
-            "<a href=\"unwml:f:0\">[i: v]</a>x y x%20y v");
-  EXPECT_EQ(ServedContent("<setvar name='a' value='1'/><setvar name='a' value='2'/>$a"), "{a}");
-  EXPECT_EQ(ServedContent("&lt;$a&$$&amp;$$a$b$<setvar name='a' value='known later'/>"),
-            "&lt;known later&amp;$$&amp;$$a{b}$$");
+  // Those that entering the card sets, and no others.
+  const std::string entry = "<onevent type='onenterforward'><refresh>";
+  const std::string end = "</refresh></onevent>";
+  EXPECT_EQ(
+      ServedContent(entry + "<setvar name='a' value='x y'/><setvar name='b' value='$(a:e)'/>" +
+                    end + "<input name='i' value='v'/>$a $b $i"),
+      "<a href=\"unwml:f:0\">[i: v]</a>x y x%20y v"
+      "<p><a href=\"unwml:a:0\">On entry</a>");
+  EXPECT_EQ(ServedContent("<input name='i' value='1'/><do><refresh><setvar name='i' value='2'/>"
+                          "</refresh></do>$i"),
+            "<a href=\"unwml:f:0\">[i: 1]</a>{i}<p><a href=\"unwml:a:0\">OK</a>");
+  EXPECT_EQ(ServedContent("<do><go href='#a'><setvar name='a' value='1'/></go></do>$a"),
+            "{a}<p><a href=\"unwml:a:0\">#a</a>");
+  EXPECT_EQ(ServedContent("<timer name='t' value='9'/><input name='t' value='9'/>$t"),
+            "<a href=\"unwml:f:0\">[t: 9]</a>{t}");
+  EXPECT_EQ(ServedContent("&lt;$a&$$&amp;$$a$b$<input name='a' value='known later'/>"),
+            "&lt;known later&amp;$$&amp;$$a{b}$$<a href=\"unwml:f:0\">[a: known later]</a>");
+  EXPECT_EQ(ServedContent("</card><card><input name='a' value='1'/></card><card>$a"),
+            "</card><card><a href=\"unwml:f:0\">[a: 1]</a></card><card>{a}");
 }
 
 TEST(DeckAdapter, TellsTheParts) {
@@ -237,30 +251,33 @@ TEST(DeckAdapter, TellsTheParts) {
   ASSERT_EQ(parts.cards.size(), 1U);
   const DeckCard &card = parts.cards[0];
   EXPECT_EQ(card.id, "c1");
-  EXPECT_EQ(card.title, "A å");
+  EXPECT_EQ(card.title.shown, "A å");
   EXPECT_TRUE(card.newContext);
   EXPECT_FALSE(card.ordered);
-  ASSERT_EQ(card.actions.size(), 2U);
-  const Action &timer = parts.actions[card.actions[0]];
-  EXPECT_EQ(NamesOf(timer).type, "ontimer");
-  EXPECT_EQ(timer.delay, 7U);
-  EXPECT_EQ(timer.task.target, "#c2");
-  const Action &send = parts.actions[card.actions[1]];
-  EXPECT_EQ(send.task.target, "s?a=%26&b=1");
-  EXPECT_EQ(send.task.method, "post");
-  ASSERT_EQ(send.task.postFields.size(), 1U);
-  EXPECT_EQ(send.task.postFields[0].value, "&");
-  EXPECT_EQ(send.task.postFields[0].variable, "x");
-  ASSERT_EQ(send.task.variables.size(), 1U);
-  ASSERT_EQ(card.fields, std::vector<std::size_t>{0});
+  ASSERT_EQ(card.actionCount, 2U);
+  const Action &timer = parts.actions[parts.ActionsOf(card)[0]];
+  EXPECT_EQ(DetailsOf(timer).type, "ontimer");
+  ASSERT_TRUE(card.timer);
+  EXPECT_EQ(card.timer->value.shown, "7");
+  EXPECT_EQ(timer.task.target.shown, "#c2");
+  const Action &send = parts.actions[parts.ActionsOf(card)[1]];
+  EXPECT_EQ(send.task.target.shown, "s?a=%26&b=1");
+  EXPECT_EQ(send.task.target.written, "s?a=$(x)&b=1");
+  EXPECT_TRUE(send.task.Posts());
+  ASSERT_EQ(send.task.PostFields().size(), 1U);
+  EXPECT_EQ(send.task.PostFields()[0].value.shown, "&");
+  EXPECT_EQ(SoleVariable(send.task.PostFields()[0].value), "x");
+  ASSERT_EQ(send.task.Variables().size(), 1U);
+  EXPECT_EQ(card.fieldCount, 1U);
   EXPECT_EQ(parts.fields[0].length, 5U);
   EXPECT_EQ(parts.fields[0].size, 3U);
   EXPECT_EQ(parts.fields[0].format, "*N");
   EXPECT_TRUE(parts.fields[0].emptyAllowed);
   ASSERT_EQ(parts.pictures.size(), 1U);
-  EXPECT_EQ(parts.pictures[0].localSource, "smiley");
-  EXPECT_TRUE(parts.pictures[0].hasAlternative);
-  EXPECT_EQ(parts.accessDomain, "d");
+  EXPECT_EQ(parts.pictures[0].localSource.shown, "smiley");
+  EXPECT_TRUE(parts.pictures[0].alternative.IsGiven());
+  ASSERT_EQ(parts.accesses.size(), 1U);
+  EXPECT_EQ(parts.accesses[0].domain, "d");
   ASSERT_EQ(parts.metas.size(), 1U);
   EXPECT_EQ(parts.metas[0].httpEquiv, "h");
 }
@@ -268,7 +285,8 @@ TEST(DeckAdapter, TellsTheParts) {
 TEST(DeckAdapter, WarnsOnceWithTheLine) {
   const AdaptedDeck deck = AdaptDeck("<wml>\n<card>\n<b x='1<br/><b x='1<br/></card></wml>");
   ASSERT_EQ(deck.warnings.size(), 2U);
-  EXPECT_EQ(deck.warnings[0], "line 3: the value of an attribute has no closing quote");
+  EXPECT_EQ(WarningText(deck.warnings[0]),
+            "line 3: the value of an attribute has no closing quote");
 }
 
 // Each pattern, repeated, made some earlier design read or write the rest again and again.

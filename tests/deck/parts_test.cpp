@@ -5,20 +5,37 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "host/deck/deck_adapter.h"
 
 namespace vs_wml {
 namespace {
+
+// The actions of a card and those of the template that it does not replace.
+std::vector<PartIndex> InForce(const DeckParts &parts, const DeckCard &card) {
+  const auto own = parts.ActionsOf(card);
+  std::vector<PartIndex> actions(own.begin(), own.end());
+  for (const PartIndex index : parts.templateActions) {
+    if (std::none_of(own.begin(), own.end(), [&](PartIndex action) {
+          return DetailsOf(parts.actions[action]).shadows == index;
+        })) {
+      actions.push_back(index);
+    }
+  }
+  return actions;
+}
 
 // The actions of each card, "label>target" (or the kind of task), cards ended by '/'.
 std::string Actions(const AdaptedDeck &deck) {
   constexpr const char *kTasks[] = {"(unset)", "", "(prev)", "(refresh)", "(noop)"};
   std::string log;
   for (const DeckCard &card : deck.parts.cards) {
-    for (const std::size_t index : card.actions) {
+    for (const PartIndex index : InForce(deck.parts, card)) {
       const Action &action = deck.parts.actions[index];
-      log += ActionLabel(action) + '>' + kTasks[static_cast<std::size_t>(action.task.kind)] +
-             action.task.target + ' ';
+      log += ActionLabel(action, card.timer.get()) + '>' +
+             kTasks[static_cast<std::size_t>(action.task.kind)] +
+             std::string(action.task.target.shown) + ' ';
     }
     log += '/';
   }
@@ -84,12 +101,12 @@ TEST(Parts, TasksHoldTheirFieldsAndVariables) {
       "<postfield name='behind' value='1'/></card></wml>");
   ASSERT_EQ(deck.parts.actions.size(), 1U);
   const Task &task = deck.parts.actions[0].task;
-  EXPECT_EQ(task.method, "post");
-  EXPECT_TRUE(task.multipart);
-  ASSERT_EQ(task.postFields.size(), 1U);
-  EXPECT_EQ(task.postFields[0].name, "p");
-  ASSERT_EQ(task.variables.size(), 1U);
-  EXPECT_EQ(task.variables[0].name, "v");
+  EXPECT_TRUE(task.Posts());
+  EXPECT_TRUE(task.IsMultipart());
+  ASSERT_EQ(task.PostFields().size(), 1U);
+  EXPECT_EQ(task.PostFields()[0].name.shown, "p");
+  ASSERT_EQ(task.Variables().size(), 1U);
+  EXPECT_EQ(task.Variables()[0].name.shown, "v");
   EXPECT_EQ(deck.warnings.size(), 1U) << "more than one task";
 }
 
@@ -98,10 +115,13 @@ TEST(Parts, ActionsAreCalledByWhatTheyHave) {
                         const char *name, const char *target) {
     Action action;
     action.kind = kind;
-    action.names = std::make_unique<ActionNames>(ActionNames{type, name, text});
-    action.title = title;
-    action.task.target = target;
-    return ActionLabel(action);
+    action.details = std::make_unique<ActionDetails>();
+    action.details->type = type;
+    action.details->name = name;
+    action.details->label = Value(text);
+    action.details->title = Value(title);
+    action.task.target = Value(target);
+    return ActionLabel(action, nullptr);
   };
   constexpr ActionKind kDo = ActionKind::kDo;
   EXPECT_EQ(label(kDo, "label", "title", "help", "name", "target"), "label");
@@ -111,17 +131,17 @@ TEST(Parts, ActionsAreCalledByWhatTheyHave) {
   EXPECT_EQ(label(kDo, "", "", "unknown", "name", "target"), "name");
   EXPECT_EQ(label(kDo, "", "", "", "", "target"), "target");
   EXPECT_EQ(label(kDo, "", "", "", "", ""), "OK");
-  EXPECT_EQ(ActionLabel({}), "OK") << "no names at all";
+  EXPECT_EQ(ActionLabel({}, nullptr), "OK") << "no names at all";
   EXPECT_EQ(label(ActionKind::kEvent, "", "title", "own", "name", "target"), "own");
   for (const char *type : {"accept", "prev", "help", "reset", "options", "delete"}) {
-    EXPECT_NE(UsualActionName(type), nullptr) << type;
+    EXPECT_FALSE(UsualActionName(type).empty()) << type;
   }
 }
 
 // What a card shows of its first field.
 std::string FieldOf(const std::string &content) {
   const AdaptedDeck deck = AdaptDeck("<wml><card>" + content + "</card></wml>");
-  return deck.parts.fields.empty() ? "(none)" : FieldText(deck.parts.fields[0]);
+  return deck.parts.fields.empty() ? "(none)" : FieldText(deck.parts, deck.parts.fields[0]);
 }
 
 TEST(Parts, SelectsHaveTheirDefault) {
@@ -185,29 +205,30 @@ TEST(Parts, FieldsAreShown) {
 }
 
 TEST(Parts, InputsSayWhatTheyTake) {
-  const auto field = [](const std::string &attributes) {
-    return AdaptDeck("<wml><card><input " + attributes + "/></card></wml>").parts.fields.at(0);
+  const auto emptyAllowed = [](const std::string &attributes) {
+    return AdaptDeck("<wml><card><input " + attributes + "/></card></wml>")
+        .parts.fields.at(0)
+        .emptyAllowed;
   };
-  EXPECT_TRUE(field("").emptyAllowed);
-  EXPECT_EQ(field("").type, "text");
-  EXPECT_EQ(field("").fieldset, kNoIndex);
-  EXPECT_FALSE(field("format='N'").emptyAllowed);
-  EXPECT_TRUE(field("format='N' emptyok='true'").emptyAllowed);
-  EXPECT_FALSE(field("emptyok='false'").emptyAllowed);
-  const DeckParts parts =
-      AdaptDeck(
-          "<wml><card><fieldset title='F'><input name='a'/><fieldset title='G'><input name='b'/>"
-          "</fieldset><input name='c'/></fieldset><input name='d'/><fieldset title='H'></card>"
-          "<card><input name='e'/></card></wml>")
-          .parts;
+  EXPECT_TRUE(emptyAllowed(""));
+  EXPECT_FALSE(emptyAllowed("format='N'"));
+  EXPECT_TRUE(emptyAllowed("format='N' emptyok='true'"));
+  EXPECT_FALSE(emptyAllowed("emptyok='false'"));
+  const AdaptedDeck deck = AdaptDeck(
+      "<wml><card><fieldset title='F'><input name='a'/><fieldset title='G'><input name='b'/>"
+      "</fieldset><input name='c'/></fieldset><input name='d'/><fieldset title='H'></card>"
+      "<card><input name='e'/></card></wml>");
+  const DeckParts &parts = deck.parts;
   ASSERT_EQ(parts.fields.size(), 5U);
   std::string titles;
   for (const Field &input : parts.fields) {
-    titles += input.name + (input.fieldset == kNoIndex ? "-" : parts.fieldsets[input.fieldset]);
+    titles += input.name;
+    titles += input.fieldset == kNoIndex ? "-" : parts.fieldsets[input.fieldset].title.shown;
   }
   EXPECT_EQ(titles, "aFbGcFd-e-");
-  EXPECT_EQ(parts.cards[0].fields.size(), 4U);
-  EXPECT_EQ(parts.cards[1].fields, std::vector<std::size_t>{4});
+  EXPECT_EQ(parts.cards[0].fieldCount, 4U);
+  EXPECT_EQ(parts.cards[1].firstField, 4U);
+  EXPECT_EQ(parts.fieldsets[1].outer, 0U);
 }
 
 }  // namespace

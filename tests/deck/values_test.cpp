@@ -45,6 +45,8 @@ TEST(Variables, AreReferredTo) {
       {"$(a:e", ":d:0"},
       {"$(a", ":d:0"},
       {"$(a b)", ":d:0"},
+      {"$(a.b)", "a.b:d:6"},
+      {"$a.b", "a:d:2"},
       {"$()", ":d:0"},
       {"$(1)", ":d:0"},
       {"$(", ":d:0"},
@@ -67,35 +69,43 @@ TEST(Variables, ArePercentEncodedAndDecoded) {
   for (const auto &item : cases) EXPECT_EQ(PercentDecode(item.text), item.decoded) << item.text;
 }
 
-TEST(Variables, AreKnownWhenTheyHaveOneValue) {
+TEST(Variables, AreKnownWhereTheCardSetsThemToTheirOneValue) {
   const std::string longest(Variables::kLongestValue, 'x');
   const std::string longer = longest + 'x';
   Variables variables({{"given", "g"}, {"empty", ""}, {"long", longest}, {"longer", longer}});
-  const auto value = [&](std::string_view name) {
-    const std::string *found = variables.Find(name);
+  const auto value = [&](std::string_view name, std::size_t card = 1) {
+    const std::string *found = variables.Find(name, card);
     return found == nullptr ? "(unknown)" : *found;
   };
   EXPECT_EQ(value("given"), "g");
+  EXPECT_EQ(value("given", 0), "g");
   EXPECT_EQ(value("empty"), "");
   EXPECT_EQ(value("long"), longest);
   EXPECT_EQ(value("longer"), "(unknown)");
-  variables.Suggest("given", "other");
+  variables.Suggest("given", "other", 1);
+  variables.Unsettle("given");
   EXPECT_EQ(value("given"), "g");
-  variables.Suggest("a", "1");
+  variables.Suggest("a", "1", 0);
+  EXPECT_EQ(value("a"), "(unknown)") << "on the way between cards";
+  EXPECT_EQ(value("a", 0), "(unknown)");
+  variables.Suggest("a", "1", 1);
+  variables.Suggest("a", "", 2);
+  variables.Suggest("a", "1", 3);
   EXPECT_EQ(value("a"), "1");
-  variables.Suggest("a", "");
-  variables.Suggest("a", "1");
-  EXPECT_EQ(value("a"), "1");
-  variables.Suggest("a", "2");
+  EXPECT_EQ(value("a", 2), "(unknown)");
+  EXPECT_EQ(value("a", 3), "1");
+  variables.Suggest("a", "2", 0);
   EXPECT_EQ(value("a"), "(unknown)");
-  variables.Suggest("a", "1");
-  EXPECT_EQ(value("a"), "(unknown)");
-  variables.Suggest("b", longest);
+  variables.Suggest("a", "1", 4);
+  EXPECT_EQ(value("a", 4), "(unknown)");
+  variables.Suggest("b", longest, 1);
   EXPECT_EQ(value("b"), longest);
-  variables.Suggest("c", longer);
+  variables.Unsettle("b");
+  EXPECT_EQ(value("b"), "(unknown)");
+  variables.Suggest("c", longer, 1);
   EXPECT_EQ(value("c"), "(unknown)");
   for (const char *name : {"", "1a", "a b", "a-"}) {
-    variables.Suggest(name, "x");
+    variables.Suggest(name, "x", 1);
     EXPECT_EQ(value(name), "(unknown)") << name;
   }
 }
@@ -104,94 +114,104 @@ TEST(Variables, AreKnownWhenTheyHaveOneValue) {
 TEST(Variables, AreReplacedWithinABudget) {
   const Variables variables({{"a", "12345678"}, {"b", "x y"}});
   const auto replaced = [&](std::string_view text, std::size_t budget) {
-    const std::string result = variables.Substitute(text, Conversion::kEscape, budget);
-    return result + '|' + std::to_string(budget);
+    const auto [result, resolved] = variables.Substitute(text, Conversion::kEscape, 1, budget);
+    return result + (resolved ? '|' : '?') + std::to_string(budget);
   };
   EXPECT_EQ(replaced("a$a$$b$", 100), "a12345678$b$|92");
-  EXPECT_EQ(replaced("$b$(b:n)$(none)", 100), "x%20yx y{none}|86");
+  EXPECT_EQ(replaced("$b$(b:n)$(none)", 100), "x%20yx y{none}?86");
   EXPECT_EQ(replaced("$a", 4), "12345678|0");
-  EXPECT_EQ(replaced("$a", 3), "{a}|0");
+  EXPECT_EQ(replaced("$a", 3), "{a}?0");
   EXPECT_EQ(replaced("$(a)", 2), "12345678|0");
-  EXPECT_EQ(replaced("$(a)", 1), "{a}|0");
+  EXPECT_EQ(replaced("$(a)", 1), "{a}?0");
   EXPECT_EQ(replaced("$a$a", 12), "1234567812345678|0");
-  EXPECT_EQ(replaced("$a$a", 11), "12345678{a}|0");
+  EXPECT_EQ(replaced("$a$a", 11), "12345678{a}?0");
 }
 
-// What `read` gives for a tag with the attribute v="value".
+// What `read` gives for a value.
 template <typename Read>
-auto Value(const std::string &value, const Read &read) {
-  const std::string document = "<b v=\"" + value + "\" value=\"" + value + "\" name='n&lt;'>";
-  MarkupReader reader(document, nullptr);
-  Token token;
-  EXPECT_TRUE(reader.Next(token));
-  DeckSurvey survey("<setvar name='x' value='a b'/>", {});
-  ValueReader values(survey, 1000);
-  return read(values, token);
+auto ValueOf(std::string_view raw, const Read &read) {
+  DeckSurvey survey("<card><input name='x' value='a b'/>", {});
+  TextArena texts;
+  ValueReader values(survey, texts, 1000);
+  values.EnterCard();
+  return read(values, &raw);
 }
 
 TEST(Values, AreNumbersFlagsAndWords) {
-  const auto number = [](ValueReader &values, const Token &token) {
-    return values.Number(token, "v");
-  };
-  EXPECT_EQ(Value("12", number), 12U);
-  EXPECT_EQ(Value(" 7 ", number), 7U);
-  EXPECT_EQ(Value("7px", number), 7U);
-  EXPECT_EQ(Value("&#55;", number), 7U);
-  EXPECT_EQ(Value("4294967295", number), 4294967295U);
-  for (const char *none : {"", "x7", "-7", "4294967296", "$x"}) EXPECT_EQ(Value(none, number), 0U);
+  const auto number = [](std::string_view raw) { return ValueReader::Number(&raw); };
+  EXPECT_EQ(number("12"), 12U);
+  EXPECT_EQ(number(" 7 "), 7U);
+  EXPECT_EQ(number("7px"), 7U);
+  EXPECT_EQ(number("&#55;"), 7U);
+  EXPECT_EQ(number("4294967295"), 4294967295U);
+  EXPECT_EQ(ValueReader::Number(nullptr), 0U);
+  for (const char *none : {"", "x7", "-7", "4294967296", "$x"}) EXPECT_EQ(number(none), 0U);
   for (const bool missing : {false, true}) {
-    const auto flag = [missing](ValueReader &values, const Token &token) {
-      return values.Flag(token, "v", missing);
-    };
-    EXPECT_TRUE(Value("TRUE", flag));
-    EXPECT_FALSE(Value("False", flag));
-    for (const char *none : {"", "1", "yes", "truest"}) EXPECT_EQ(Value(none, flag), missing);
+    const auto flag = [missing](std::string_view raw) { return ValueReader::Flag(&raw, missing); };
+    EXPECT_TRUE(flag("TRUE"));
+    EXPECT_FALSE(flag("False"));
+    EXPECT_EQ(ValueReader::Flag(nullptr, missing), missing);
+    for (const char *none : {"", "1", "yes", "truest"}) EXPECT_EQ(flag(none), missing);
   }
-  const auto word = [](ValueReader &, const Token &token) { return ValueReader::Word(token, "v"); };
-  EXPECT_EQ(Value("20%", word), " v=\"20%\"");
-  EXPECT_EQ(Value("LCR.1", word), " v=\"LCR.1\"");
-  EXPECT_EQ(Value("abcdefghijklmnop", word), " v=\"abcdefghijklmnop\"");
+  const auto word = [](const std::string &value) {
+    const std::string document = "<b v=\"" + value + "\">";
+    MarkupReader reader(document, nullptr);
+    Token token;
+    EXPECT_TRUE(reader.Next(token));
+    return ValueReader::Word(token, "v");
+  };
+  EXPECT_EQ(word("20%"), " v=\"20%\"");
+  EXPECT_EQ(word("LCR.1"), " v=\"LCR.1\"");
+  EXPECT_EQ(word("abcdefghijklmnop"), " v=\"abcdefghijklmnop\"");
   for (const char *none : {"", "abcdefghijklmnopq", "a b", "a'", "&lt;", "$x", "a-b"}) {
-    EXPECT_EQ(Value(none, word), "") << none;
+    EXPECT_EQ(word(none), "") << none;
   }
 }
 
-TEST(Values, AreTextsTargetsAndPairs) {
+TEST(Values, AreTextsAndTargets) {
   const struct {
     const char *value;
     const char *text;
     const char *target;
+    const char *written;
     const char *variable = "";
   } cases[] = {
-      {"a &amp; b", "a & b", "a & b"},
-      {" a\n", " a ", "a"},
-      {"$x", "a b", "a%20b", "x"},
-      {"$(x)", "a b", "a%20b", "x"},
-      {"$(x:e)", "a%20b", "a%20b", "x"},
-      {"$(x:n)", "a b", "a b", "x"},
-      {" $x ", " a b ", "a%20b"},
-      {"$x$x", "a ba b", "a%20ba%20b"},
-      {"$y", "{y}", "{y}", "y"},
-      {"$$x", "$x", "$x"},
-      {"$$", "$", "$"},
-      {"$", "$", "$"},
-      {"&#36;x", "a b", "a%20b"},
-      {"", "", ""},
+      {"a &amp; b", "a & b", "a & b", "a & b"},
+      {" a\n", " a ", "a", " a "},
+      {"a\r\nb&#9;c&#10;", "a  b c ", "abc", "a  b c "},
+      {"$x", "a b", "a%20b", "$x", "x"},
+      {"$(x)", "a b", "a%20b", "$(x)", "x"},
+      {"$(x:e)", "a%20b", "a%20b", "$(x:e)", "x"},
+      {"$(x:n)", "a b", "a b", "$(x:n)", "x"},
+      {" $x ", " a b ", "a%20b", " $x "},
+      {"$x$x", "a ba b", "a%20ba%20b", "$x$x"},
+      {"$y", "{y}", "{y}", "$y", "y"},
+      {"$$x", "$x", "$x", "$$x"},
+      {"$$", "$", "$", "$$"},
+      {"$", "$", "$", "$"},
+      {"&#36;x", "a b", "a%20b", "$x", "x"},
+      {"$(&#x78;)", "a b", "a%20b", "$(x)", "x"},
+      {"", "", "", ""},
   };
   for (const auto &item : cases) {
     SCOPED_TRACE(item.value);
-    EXPECT_EQ(Value(item.value, [](ValueReader &values,
-                                   const Token &token) { return values.Text(token, "v"); }),
-              item.text);
-    EXPECT_EQ(Value(item.value, [](ValueReader &values,
-                                   const Token &token) { return values.Target(token, "v"); }),
-              item.target);
-    const NameValue pair = Value(
-        item.value, [](ValueReader &values, const Token &token) { return values.Pair(token); });
-    EXPECT_EQ(pair.name, "n<");
-    EXPECT_EQ(pair.value, item.text);
-    EXPECT_EQ(pair.variable, item.variable);
+    ValueOf(item.value, [&](ValueReader &values, const std::string_view *raw) {
+      const Value text = values.Text(raw);
+      EXPECT_TRUE(text.IsGiven());
+      EXPECT_EQ(text.shown, item.text);
+      EXPECT_EQ(text.written, item.written);
+      EXPECT_EQ(SoleVariable(text), item.variable);
+      EXPECT_EQ(text.resolved, text.shown.find('{') == std::string_view::npos);
+      EXPECT_EQ(values.Target(raw).shown, item.target);
+      return 0;
+    });
   }
+  ValueOf("", [](ValueReader &values, const std::string_view *) {
+    EXPECT_FALSE(values.Text(nullptr).IsGiven());
+    EXPECT_FALSE(values.Target(nullptr).IsGiven());
+    EXPECT_EQ(values.Plain(nullptr).data(), nullptr);
+    return 0;
+  });
 }
 
 TEST(Survey, CountsTheColumnsOfTables) {
@@ -232,20 +252,28 @@ TEST(Survey, FindsCardsAndValues) {
   EXPECT_TRUE(hasCards("<wml><Card/>"));
   EXPECT_FALSE(hasCards("<wml></card><cards>&lt;card><!-- <card> -->"));
   DeckSurvey survey(
-      "<setvar name='a' value='1'/><input name='b' value='$a&amp;'/><setvar name='c'/>"
-      "<select name='d' value='x'/><setvar value='x'/><postfield name='e' value='x'/>"
-      "<INPUT NAME='f' VALUE='$g'/><setvar name='g' value='later'/>",
+      "<template><input name='t' value='x'/></template><card>"
+      "<onevent type='onenterforward'><refresh><setvar name='a' value='1'/></refresh></onevent>"
+      "<input name='b' value='$a&amp;'/><setvar name='c' value='x'/>"
+      "<onevent type='onenterbackward'><refresh><setvar name='d' value='x'/></refresh></onevent>"
+      "<onevent type='onenterforward'><go href='#e'><setvar name='e' value='x'/></go></onevent>"
+      "<INPUT KEY='f' DEFAULT='v'/><input name='g' value='$later'/>"
+      "<select name='s'/><input name='s' value='x'/><timer name='m'/><input name='m' value='x'/>"
+      "</card><card><input name='n' value='2'/></card>",
       {{"h", "given"}});
-  const auto value = [&](std::string_view name) {
-    const std::string *found = survey.KnownVariables().Find(name);
+  const auto value = [&](std::string_view name, std::size_t card) {
+    const std::string *found = survey.KnownVariables().Find(name, card);
     return found == nullptr ? "(unknown)" : *found;
   };
-  EXPECT_EQ(value("a"), "1");
-  EXPECT_EQ(value("b"), "1&");
-  for (const char *name : {"c", "d", "e", ""}) EXPECT_EQ(value(name), "(unknown)");
-  EXPECT_EQ(value("f"), "{g}");
-  EXPECT_EQ(value("g"), "later");
-  EXPECT_EQ(value("h"), "given");
+  EXPECT_EQ(value("a", 1), "1");
+  EXPECT_EQ(value("a", 2), "(unknown)");
+  EXPECT_EQ(value("b", 1), "1&");
+  EXPECT_EQ(value("f", 1), "v");
+  EXPECT_EQ(value("h", 2), "given");
+  EXPECT_EQ(value("n", 2), "2");
+  for (const char *name : {"c", "d", "e", "g", "s", "m", "n", "t", ""}) {
+    EXPECT_EQ(value(name, 1), "(unknown)") << name;
+  }
 }
 
 }  // namespace

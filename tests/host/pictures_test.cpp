@@ -133,19 +133,19 @@ TEST_F(Pictures, HaveTheSizeThatTheDocumentGivesOrTheirOwn) {
     const char *json;
   } cases[] = {
       {"<img src='b.wbmp' alt='' width='20' height='7'/>", " width=\"20\" height=\"7\">",
-       ",\"width\":20,\"height\":7,\"fileWidth\":10,\"fileHeight\":6}"},
+       ",\"width\":20,\"height\":7,\"fileWidth\":10,\"fileHeight\":6"},
       {"<img src='b.wbmp' alt='' width='20'/>", " width=\"10\" height=\"6\">",
-       "\",\"fileWidth\":10,\"fileHeight\":6}"},
+       "\",\"fileWidth\":10,\"fileHeight\":6"},
       {"<img src='b.wbmp' alt='' height='7'/>", " width=\"10\" height=\"6\">",
-       "\",\"fileWidth\":10,\"fileHeight\":6}"},
+       "\",\"fileWidth\":10,\"fileHeight\":6"},
       {"<img src='b.wbmp' alt=''/>", " width=\"10\" height=\"6\">",
-       "\",\"fileWidth\":10,\"fileHeight\":6}"},
+       "\",\"fileWidth\":10,\"fileHeight\":6"},
       {"<img src='g.gif' alt='' width='20' height='7'/>", " width=\"20\" height=\"7\">",
-       ",\"width\":20,\"height\":7}"},
-      {"<img src='g.gif' alt='' width='20'/>", ">", "\"}"},
+       ",\"width\":20,\"height\":7"},
+      {"<img src='g.gif' alt='' width='20'/>", ">", "\"alternative\":\"\""},
       {"<img src='none' alt='' width='20' height='7'/>", " width=\"20\" height=\"7\">",
-       ",\"width\":20,\"height\":7}"},
-      {"<img src='none' alt='' height='7'/>", ">", "\"}"},
+       ",\"width\":20,\"height\":7"},
+      {"<img src='none' alt='' height='7'/>", ">", "\"alternative\":\"\""},
   };
   for (const auto &item : cases) {
     const std::string page = Shown(Format::kHtml, item.tag);

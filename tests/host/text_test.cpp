@@ -275,8 +275,9 @@ TEST(Target, IsShownWithWhatIsSentThere) {
                        const std::vector<NameValue> &fields) {
     Action action;
     action.task.kind = kind;
-    action.task.method = method;
-    action.task.postFields = fields;
+    action.task.details = std::make_unique<TaskDetails>();
+    action.task.details->method = method;
+    action.task.details->postFields = fields;
     Link link;
     link.target = target;
     link.action = &action;
@@ -284,7 +285,7 @@ TEST(Target, IsShownWithWhatIsSentThere) {
   };
   EXPECT_EQ(text(TaskKind::kGo, "u", "get", {}), "u");
   EXPECT_EQ(text(TaskKind::kGo, "u", "post", {}), "POST u");
-  const std::vector<NameValue> fields = {{"a", "b", ""}, {"c", "", ""}};
+  const std::vector<NameValue> fields = {{Value("a"), Value("b")}, {Value("c"), Value("")}};
   EXPECT_EQ(text(TaskKind::kGo, "u", "post", fields), "POST u (a=b, c=)");
   EXPECT_EQ(text(TaskKind::kGo, "u", "", {fields[0]}), "u (a=b)");
   EXPECT_EQ(text(TaskKind::kGo, "#card", "post", fields), "POST #card (a=b, c=)");

@@ -83,7 +83,7 @@ TEST(HtmlWriter, LinksAndIdsAreWhatAPageMayHave) {
       {"<p><a href='a b|é'>x</a></p>", "<a href=\"a%20b%7C%C3%A9\">x</a>"},
       {"<p><a href='?a=%20&amp;b=1'>x</a></p>", "<a href=\"?a=%20&amp;b=1\">x</a>"},
       {"<p><a href='JAVA&#10;script:x'>x</a></p>",
-       "<span class=\"inert\" title=\"JAVA script:x\">x</span>"},
+       "<span class=\"inert\" title=\"JAVAscript:x\">x</span>"},
       {"<p><a href='&#1;data:x'>x</a></p>", "<span class=\"inert\" title=\"data:x\">x</span>"},
       {"<p><anchor>x<go href='javascript:y' method='post'/></anchor></p>",
        "<span class=\"inert\" title=\"POST javascript:y\">x</span>"},

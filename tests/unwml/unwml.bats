@@ -122,7 +122,7 @@ unwml() { "$UNWML" "$@"; }
   for jobs in 1 2; do
     run --separate-stderr unwml --raw -t json -j $jobs bomb.wml a.wml
     [ "$status" = 1 ]
-    [[ $output == '{"source":"a.wml"'* ]]
+    [[ $output == '{"format":2,"source":"a.wml"'* ]]
     [ "${#stderr_lines[@]}" = 1 ]
     [[ $stderr == "unwml: bomb.wml: given up: "* ]]
   done
@@ -235,6 +235,17 @@ unwml() { "$UNWML" "$@"; }
   run unwml d.wmlc
   [ "$status" = 1 ]
   [ "$output" = 'unwml: d.wmlc: compiled deck is damaged at byte 12: a string has no end' ]
+}
+
+@test "JSON is as its manual shows it" {
+  for name in ferry.wml ferry.json; do
+    "$VS_WML_SOURCE/tests/docs/run_blocks.py" "$VS_WML_SOURCE/docs/json.md" --extract $name >$name
+  done
+  unwml -t json ferry.wml | python3 -c '
+import json, sys
+shown, written = json.load(open("ferry.json")), json.load(sys.stdin)
+written["sha256"] = "..."
+assert written == shown, written'
 }
 
 @test "JSON keeps to its schema" {
