@@ -30,7 +30,7 @@ struct NameIndex {
   uint64_t keys[slotCount];  // 0 in a free slot
   uint16_t values[slotCount];
 
-  // The multiplier is one that gives every attribute a slot of its own.
+  // The multiplier spreads the attributes over slots of their own; no search relies on it.
   static constexpr size_t SlotOf(uint64_t key) {
     return static_cast<size_t>(key * 0x56E0C20B30C86EFBu >> (64 - std::countr_zero(slotCount)));
   }

@@ -167,44 +167,9 @@ constexpr WmlInitTables WmlInit = {
         },
     .attributes =
         {
-            {"action", ATTRIB_ACTION},
-            {"align", ATTRIB_ALIGN},
-            {"alt", ATTRIB_ALT},
-            {"class", ATTRIB_CLASS},
-            {"columns", ATTRIB_COLUMNS},
-            {"content", ATTRIB_CONTENT},
-            {"enctype", ATTRIB_ENCTYPE},
-            {"error", ATTRIB_ERROR},
-            {"height", ATTRIB_HEIGHT},
-            {"href", ATTRIB_HREF},
-            {"hspace", ATTRIB_HSPACE},
-            {"http-equiv", ATTRIB_HTTP_EQUIV},
-            {"id", ATTRIB_ID},
-            {"lang", ATTRIB_LANG},
-            {"localsrc", ATTRIB_LOCALSRC},
-            {"maxlength", ATTRIB_MAXLENGTH},
-            {"method", ATTRIB_METHOD},
-            {"mode", ATTRIB_MODE},
-            {"multiple", ATTRIB_MULTIPLE},
-            {"name", ATTRIB_NAME},
-            {"nohref", ATTRIB_NOHREF},
-            {"nowrap", ATTRIB_NOWRAP},
-            {"optional", ATTRIB_OPTIONAL},
-            {"plain", ATTRIB_PLAIN},
-            {"size", ATTRIB_SIZE},
-            {"src", ATTRIB_SRC},
-            {"tag", ATTRIB_TAG},
-            {"title", ATTRIB_TITLE},
-            {"to", ATTRIB_TO},
-            {"type", ATTRIB_TYPE},
-            {"url", ATTRIB_URL},
-            {"urn", ATTRIB_URN},
-            {"value", ATTRIB_VALUE},
-            {"version", ATTRIB_VERSION},
-            {"vspace", ATTRIB_VSPACE},
-            {"width", ATTRIB_WIDTH},
-            {"wrap", ATTRIB_WRAP},
-            {"xml:lang", ATTRIB_XML_LANG},
+#define ATTRIBUTE_ROW(id, name) {name, ATTRIB_##id},
+            WML_ATTRIBUTES(ATTRIBUTE_ROW)
+#undef ATTRIBUTE_ROW
         },
     .entities =
         {
@@ -493,17 +458,6 @@ constexpr NameIndex<128> ATTRIBUTE_INDEX = MakeIndex<128>(WmlInit.attributes);
 constexpr NameIndex<1024> ENTITY_INDEX = MakeIndex<1024>(WmlInit.entities);
 
 namespace {
-
-template <size_t slotCount>
-constexpr bool AllInTheirSlots(const NameIndex<slotCount> &index) {
-  for (size_t slot = 0; slot < slotCount; ++slot) {
-    const uint64_t key = index.keys[slot];
-    if (key != 0 && index.SlotOf(key) != slot) return false;
-  }
-  return true;
-}
-
-static_assert(AllInTheirSlots(ATTRIBUTE_INDEX));
 
 constexpr bool AllCandidates(const BareTagIndex &index) {
   int count = 0;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "filter/data/attribute_list.h"
 #include "filter/vs_wml.h"
 
 // ------------------------------------------------------------------ tags
@@ -50,51 +51,6 @@ inline constexpr uint32_t TAGF_MATCH_TOP = 0x02;   // end tag counts only on top
 inline constexpr uint32_t TAGF_EMPTY = 0x04;       // never pushed
 inline constexpr uint32_t TAGF_TABLE_PART = 0x08;  // row or cell, closed by the next one
 inline constexpr uint32_t TAGF_STYLE = 0x10;       // as a container, and selects a style
-
-// ------------------------------------------------------------ attributes
-
-enum AttributeId : uint16_t {
-  ATTRIB_NONE = 0,
-  ATTRIB_ACTION = 1,
-  ATTRIB_ALIGN = 2,
-  ATTRIB_ALT = 3,
-  ATTRIB_CLASS = 4,
-  ATTRIB_COLUMNS = 5,
-  ATTRIB_CONTENT = 6,
-  ATTRIB_ENCTYPE = 7,
-  ATTRIB_ERROR = 8,
-  ATTRIB_HEIGHT = 9,
-  ATTRIB_HREF = 10,
-  ATTRIB_HSPACE = 11,
-  ATTRIB_HTTP_EQUIV = 12,
-  ATTRIB_ID = 13,
-  ATTRIB_LANG = 14,
-  ATTRIB_LOCALSRC = 15,
-  ATTRIB_MAXLENGTH = 16,
-  ATTRIB_METHOD = 17,
-  ATTRIB_MODE = 18,
-  ATTRIB_MULTIPLE = 19,
-  ATTRIB_NAME = 20,
-  ATTRIB_NOHREF = 21,
-  ATTRIB_NOWRAP = 22,
-  ATTRIB_OPTIONAL = 23,
-  ATTRIB_PLAIN = 24,
-  ATTRIB_SIZE = 25,
-  ATTRIB_SRC = 26,
-  ATTRIB_TAG = 27,
-  ATTRIB_TITLE = 28,
-  ATTRIB_TO = 29,
-  ATTRIB_TYPE = 30,
-  ATTRIB_URL = 31,
-  ATTRIB_URN = 32,
-  ATTRIB_VALUE = 33,
-  ATTRIB_VERSION = 34,
-  ATTRIB_VSPACE = 35,
-  ATTRIB_WIDTH = 36,
-  ATTRIB_WRAP = 37,
-  ATTRIB_XML_LANG = 38,
-};
-inline constexpr int ATTRIB_COUNT = 38;
 
 // -------------------------------------------------------------- charsets
 

@@ -9,7 +9,7 @@ trap 'rm -rf "$work"' EXIT
 mkdir "$work/copy"
 git -C "$source" ls-files -z | (cd "$source" && xargs -0 cp --parents -t "$work/copy")
 cd "$work/copy"
-for recipe in center smile tis620 links; do
+for recipe in center accesskey smile tis620 links; do
   tests/docs/run_blocks.py docs/architecture.md --extract $recipe.patch >../recipe
   patch -p1 --fuzz=2 --no-backup-if-mismatch <../recipe
 done
@@ -28,6 +28,7 @@ trace() {
 }
 
 trace '<wml><card><center>x</center></card></wml>' 'SOSetProperty alignment center'
+trace '<wml><card><p><a href="x" accesskey="7">y</a></p></card></wml>' 'SOEmitChar "7y"'
 trace '<wml><card><p>&smile;</p></card></wml>' 'SOEmitChar "\{263A}"'
 trace '<wml><head><meta http-equiv="content-type" content="charset=tis-620"/></head></wml>' \
   'SOSwitchCharset 0xA0B0100'
