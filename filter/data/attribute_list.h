@@ -51,7 +51,7 @@ enum AttributeId : uint16_t {
 #define ATTRIBUTE_ID(id, name) ATTRIB_##id,
   WML_ATTRIBUTES(ATTRIBUTE_ID)
 #undef ATTRIBUTE_ID
-  ATTRIB_END
+      ATTRIB_END
 };
 inline constexpr int ATTRIB_COUNT = ATTRIB_END - 1;
 
