@@ -60,7 +60,7 @@ CharacterReference ReadNamed(std::string_view text, ReferencePlace place) {
   }
   const std::size_t end = NameEnd(text.substr(0, kLongestName + 2));
   const bool terminated = end < text.size() && text[end] == ';';
-  if (!terminated && place == ReferencePlace::kAttribute) return {};
+  if (!terminated && place != ReferencePlace::kText) return {};
   const char32_t character = FindEntity(text.substr(1, end - 1));
   if (character == 0) return {};
   return {character, end + (terminated ? 1 : 0)};
@@ -80,7 +80,7 @@ CharacterReference ReadPlainNumber(std::string_view text) {
 }
 
 // The number itself, whatever it means.
-CharacterReference ReadNumber(std::string_view text) {
+CharacterReference ReadNumber(std::string_view text, ReferencePlace place) {
   if (const CharacterReference plain = ReadPlainNumber(text); plain.length != 0) return plain;
   std::size_t at = 2;
   const bool marked = at < text.size() && ToLower(text[at]) == 'x';
@@ -89,7 +89,8 @@ CharacterReference ReadNumber(std::string_view text) {
   bool decimal = !marked;
   for (; end < text.size() && IsHexDigit(text[end]); ++end) decimal &= IsDigit(text[end]);
   const bool terminated = end < text.size() && text[end] == ';';
-  if (!marked && !decimal && !terminated) {
+  const bool repairs = place != ReferencePlace::kServed && terminated;
+  if (!marked && !decimal && !repairs) {
     // Letters right behind the digits are text; `&#e4;` is a number that lacks its x.
     end = at;
     while (end < text.size() && IsDigit(text[end])) ++end;
@@ -99,19 +100,18 @@ CharacterReference ReadNumber(std::string_view text) {
   const std::uint32_t base = decimal ? 10 : 16;
   std::uint32_t value = 0;
   for (; at < end; ++at) {
-    const char c = ToLower(text[at]);
-    const auto digit = static_cast<std::uint32_t>(IsDigit(c) ? c - '0' : c - 'a' + 10);
+    const auto digit = static_cast<std::uint32_t>(HexValue(text[at]));
     value = std::min(value * base + digit, kNoCharacter);
   }
-  return {value, end + (terminated ? 1 : 0)};
+  return {value, end + (end < text.size() && text[end] == ';' ? 1 : 0)};
 }
 
-CharacterReference ReadNumeric(std::string_view text) {
-  CharacterReference reference = ReadNumber(text);
+CharacterReference ReadNumeric(std::string_view text, ReferencePlace place) {
+  CharacterReference reference = ReadNumber(text, place);
   if (reference.length == 0) return {};
   char32_t &c = reference.character;
   if (IsHighSurrogate(c) && text.substr(reference.length, 2) == "&#") {
-    const CharacterReference low = ReadNumber(text.substr(reference.length));
+    const CharacterReference low = ReadNumber(text.substr(reference.length), place);
     if (low.length != 0 && IsLowSurrogate(low.character)) {
       c = 0x10000 + ((c - 0xD800) << 10U) + (low.character - 0xDC00);
       reference.length += low.length;
@@ -126,7 +126,7 @@ CharacterReference ReadNumeric(std::string_view text) {
 
 CharacterReference ReadReference(std::string_view text, ReferencePlace place) {
   if (text.size() < 2) return {};
-  return text[1] == '#' ? ReadNumeric(text) : ReadNamed(text, place);
+  return text[1] == '#' ? ReadNumeric(text, place) : ReadNamed(text, place);
 }
 
 std::size_t NamedReferenceLength(std::string_view text) {

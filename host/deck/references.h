@@ -18,8 +18,9 @@ struct CharacterReference {
 };
 
 /// Where a reference stands. In attributes a name counts only with its ';', since
-/// targets are full of `&name=`.
-enum class ReferencePlace { kText, kAttribute };
+/// targets are full of `&name=`. What is served as it is counts as an attribute does, and
+/// nothing in it is repaired: hexadecimal numbers need their x.
+enum class ReferencePlace { kText, kAttribute, kServed };
 
 /// Reads the reference at the start of `text`, which begins with '&'. Known are
 /// numbers of any length and the names of XML and HTML 4. Numbers 128 to 159 mean

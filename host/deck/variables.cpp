@@ -60,11 +60,6 @@ VariableReference ReadBracketed(std::string_view text) {
   return reference;
 }
 
-int HexValue(char c) {
-  if (IsDigit(c)) return c - '0';
-  return IsHexDigit(c) ? ToLower(c) - 'a' + 10 : -1;
-}
-
 bool HasControls(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
     if (IsControl(NextCharacter(text, at))) return true;
@@ -88,17 +83,13 @@ bool IsVariableName(std::string_view name) {
 }
 
 std::string PercentEncode(std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string encoded;
   for (const char c : text) {
     if (IsLetter(c) || IsDigit(c) || std::string_view("-._~").find(c) != std::string_view::npos) {
       encoded += c;
-      continue;
+    } else {
+      AppendPercentEncoded(encoded, c);
     }
-    const auto byte = static_cast<unsigned char>(c);
-    encoded += '%';
-    encoded += kDigits[byte >> 4U];
-    encoded += kDigits[byte & 15U];
   }
   return encoded;
 }

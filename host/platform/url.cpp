@@ -15,7 +15,6 @@ constexpr std::string_view kUrlPunctuation = "-._~:/?#[]@!$&'()*+,;=%";
 
 // Percent-encodes what no address holds, and each '%' that encodes nothing.
 std::string EncodeForbidden(std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string encoded;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char c = text[at];
@@ -24,10 +23,9 @@ std::string EncodeForbidden(std::string_view text) {
     if (!stray &&
         (IsLetter(c) || IsDigit(c) || kUrlPunctuation.find(c) != std::string_view::npos)) {
       encoded += c;
-      continue;
+    } else {
+      AppendPercentEncoded(encoded, c);
     }
-    const auto byte = static_cast<unsigned char>(c);
-    encoded += {'%', kDigits[byte >> 4U], kDigits[byte & 15U]};
   }
   return encoded;
 }

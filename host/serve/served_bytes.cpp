@@ -3,10 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
-#include <utility>
 
-#include "host/text/entities.h"
+#include "host/deck/references.h"
+#include "host/text/ascii.h"
 #include "host/text/utf8.h"
 
 namespace vs_wml {
@@ -26,70 +25,6 @@ constexpr std::array<std::uint8_t, 256> MakeClasses() {
 }
 
 constexpr std::array<std::uint8_t, 256> kClasses = MakeClasses();
-
-// What numeric references to C1 controls mean: characters of windows-1252.
-constexpr std::array<char16_t, 32> kHighControls = {
-    0x20AC, 0x81,   0x201A, 0x192,  0x201E, 0x2026, 0x2020, 0x2021, 0x2C6,  0x2030, 0x160,
-    0x2039, 0x152,  0x8D,   0x17D,  0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x2DC,  0x2122, 0x161,  0x203A, 0x153,  0x9D,   0x17E,  0x178};
-
-struct Reference {
-  char32_t character;
-  std::size_t length;  ///< of the reference in the text, '&' included
-};
-
-// The value of a digit, 16 for anything else.
-unsigned DigitValue(char c) {
-  if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-  if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-  if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
-  return 16;
-}
-
-std::optional<Reference> ReadNumeric(std::string_view text) {
-  std::size_t at = 2;
-  unsigned base = 10;
-  if (at < text.size() && (text[at] == 'x' || text[at] == 'X')) {
-    base = 16;
-    ++at;
-  }
-  const std::size_t digits = at;
-  char32_t value = 0;
-  for (; at < text.size() && DigitValue(text[at]) < base; ++at) {
-    if (value <= 0x10FFFF) value = value * base + DigitValue(text[at]);
-  }
-  if (at == digits) return std::nullopt;
-  if (at < text.size() && text[at] == ';') ++at;
-  if (value >= 0x80 && value < 0xA0) value = kHighControls[value - 0x80];
-  return Reference{value, at};
-}
-
-constexpr bool IsHighSurrogate(char32_t c) {
-  return c >= 0xD800 && c < 0xDC00;
-}
-constexpr bool IsLowSurrogate(char32_t c) {
-  return c >= 0xDC00 && c < 0xE000;
-}
-
-std::optional<Reference> ReadReference(std::string_view text) {
-  if (text.size() < 3) return std::nullopt;
-  if (text[1] == '#') {
-    auto first = ReadNumeric(text);
-    if (!first || !IsHighSurrogate(first->character)) return first;
-    const std::string_view rest = text.substr(first->length);
-    if (!rest.starts_with("&#")) return first;
-    const auto second = ReadNumeric(rest);
-    if (!second || !IsLowSurrogate(second->character)) return first;
-    return Reference{0x10000 + ((first->character - 0xD800) << 10U) + (second->character - 0xDC00),
-                     first->length + second->length};
-  }
-  constexpr std::size_t kLongestName = 8;
-  const std::size_t end = text.substr(0, kLongestName + 2).find(';');
-  if (end == std::string_view::npos) return std::nullopt;
-  const char32_t character = FindEntity(text.substr(1, end - 1));
-  if (character == 0) return std::nullopt;
-  return Reference{character, end + 1};
-}
 
 // An ASCII character as markup that stays text wherever it stands.
 void AppendAscii(std::string &out, char32_t character) {
@@ -120,12 +55,12 @@ void AppendAscii(std::string &out, char32_t character) {
 
 // Appends what is served for the reference at the start of `text`; returns its length.
 std::size_t ServeReference(std::string &out, std::string_view text) {
-  const auto reference = ReadReference(text);
-  if (!reference) {
+  const CharacterReference reference = ReadReference(text, ReferencePlace::kServed);
+  if (reference.length == 0) {
     out += '&';
     return 1;
   }
-  const char32_t character = reference->character;
+  const char32_t character = reference.character;
   if (character == '\t' || character == '\n' || character == '\r') {
     out += static_cast<char>(character);
   } else if (IsControl(character)) {
@@ -135,17 +70,13 @@ std::size_t ServeReference(std::string &out, std::string_view text) {
   } else {
     AppendUtf8(out, character);
   }
-  return reference->length;
-}
-
-bool IsSpace(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+  return reference.length;
 }
 
 // Length of the start of a `meta` tag up to and with its name; 0 when it is another tag.
 std::size_t MetaTag(std::string_view text) {
   std::size_t at = 1;
-  while (at < text.size() && IsSpace(text[at])) ++at;
+  while (at < text.size() && IsWhiteSpace(text[at])) ++at;
   constexpr std::string_view kName = "meta";
   if (text.size() - at < kName.size()) return 0;
   for (const char wanted : kName) {
@@ -205,30 +136,18 @@ std::string MakeServedBytes(std::string_view text) {
 std::string ResolveReferences(std::string_view value) {
   std::string resolved;
   resolved.reserve(value.size());
-  constexpr std::pair<std::string_view, char> kNamed[] = {
-      {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}};
   while (!value.empty()) {
     const std::size_t plain = std::min(value.find('&'), value.size());
     resolved.append(value.substr(0, plain));
     value.remove_prefix(plain);
     if (value.empty()) break;
-    std::size_t length = 0;
-    for (const auto &[name, character] : kNamed) {
-      if (value.starts_with(name)) {
-        resolved += character;
-        length = name.size();
-      }
+    const CharacterReference reference = ReadReference(value, ReferencePlace::kServed);
+    if (reference.length == 0) {
+      resolved += '&';
+    } else if (!IsControl(reference.character)) {
+      AppendUtf8(resolved, reference.character);
     }
-    if (length == 0) {
-      if (const auto reference = ReadReference(value)) {
-        if (!IsControl(reference->character)) AppendUtf8(resolved, reference->character);
-        length = reference->length;
-      } else {
-        resolved += '&';
-        length = 1;
-      }
-    }
-    value.remove_prefix(length);
+    value.remove_prefix(std::max<std::size_t>(reference.length, 1));
   }
   return resolved;
 }

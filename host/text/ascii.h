@@ -27,6 +27,19 @@ constexpr bool IsHexDigit(char c) {
   return IsDigit(c) || (ToLower(c) >= 'a' && ToLower(c) <= 'f');
 }
 
+/// The value of a hexadecimal digit, -1 for anything else.
+constexpr int HexValue(char c) {
+  if (IsDigit(c)) return c - '0';
+  return IsHexDigit(c) ? ToLower(c) - 'a' + 10 : -1;
+}
+inline constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
+/// Appends a byte as "%2F".
+inline void AppendPercentEncoded(std::string &text, char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  text += {'%', kHexDigits[byte >> 4U], kHexDigits[byte & 15U]};
+}
+
 /// Where the first character from `at` on stands that is no white space, or the end.
 constexpr std::size_t SkipWhiteSpace(std::string_view text, std::size_t at) {
   while (at < text.size() && IsWhiteSpace(text[at])) ++at;

@@ -5,13 +5,13 @@
 #include <charconv>
 #include <limits>
 
+#include "host/text/ascii.h"
 #include "host/text/byte_scan.h"
 
 namespace vs_wml {
 namespace {
 
 constexpr std::size_t kPiece = 16384;  // of a string that is written at once
-constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 }  // namespace
 

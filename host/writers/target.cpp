@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include "host/text/ascii.h"
 
 namespace vs_wml {
 namespace {
@@ -90,15 +91,12 @@ bool IsSafeSource(std::string_view source) {
 }
 
 std::string EncodeTarget(std::string_view target) {
-  constexpr std::string_view kHex = "0123456789ABCDEF";
   std::string encoded;
   for (const char c : target) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte <= 0x20 || byte >= 0x7F ||
         std::string_view("\"<>\\^`{|}").find(c) != std::string_view::npos) {
-      encoded += '%';
-      encoded += kHex[byte >> 4U];
-      encoded += kHex[byte & 15U];
+      AppendPercentEncoded(encoded, c);
     } else {
       encoded += c;
     }
