@@ -88,6 +88,7 @@ void Adapt(Deck &deck, std::string_view text, const DeckOptions &options) {
   AdaptedDeck adapted = AdaptDeck(text, {options.variables});
   if (!options.base.empty()) ResolveTargets(adapted.parts, BaseUrl(options.base));
   deck.bytes = std::move(adapted.served);
+  deck.tags = std::move(adapted.tags);
   deck.info.adapted = true;
   deck.info.parts = std::move(adapted.parts);
   std::vector<Warning> &warnings = deck.info.warnings;

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "host/document.h"
+#include "host/serve/served_tags.h"
 
 namespace vs_wml {
 
@@ -31,6 +32,7 @@ struct DeckOptions {
 /// What the filter is opened with.
 struct Deck {
   std::string bytes;          ///< as served
+  ServedTags tags;            ///< of an adapted document: what tags in the bytes stand for
   std::int16_t identity = 0;  ///< a filter identity
   bool servedAsUtf8 = false;  ///< characters come back as the bytes of UTF-8
   DeckInfo info;

@@ -97,6 +97,8 @@ struct Cell {
   Alignment alignment = Alignment::kLeft;
 };
 
+/// The cells up to the last one that has content or that the document gives; the columns
+/// behind it are empty.
 struct Row {
   std::uint32_t firstCell = 0;  ///< index into Table::cells
   std::uint32_t cellCount = 0;
@@ -107,9 +109,13 @@ struct Table {
   std::span<const Cell> cells;
   std::span<const Row> rows;
   std::span<const std::uint32_t> columnWidths;  ///< twips, 0: not measured
+  std::span<const Alignment> columnAlignments;  ///< what cells have that do not say theirs
   Alignment alignment = Alignment::kLeft;       ///< of the table on the page
   std::string title;
 
+  Alignment AlignmentOf(std::size_t column) const {
+    return column < columnAlignments.size() ? columnAlignments[column] : Alignment::kLeft;
+  }
   std::span<const Cell> CellsOf(const Row &row) const {
     return cells.subspan(row.firstCell, row.cellCount);
   }

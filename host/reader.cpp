@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "host/reader.h"
 
+#include <memory>
 #include <string>
 
-#include "host/blocks/block_builder.h"
+#include "host/blocks/adapted_parts.h"
 #include "host/blocks/block_source.h"
+#include "host/blocks/filter_host.h"
+#include "host/blocks/raw_parts.h"
 #include "host/blocks/stream.h"
 
 namespace vs_wml {
@@ -24,20 +27,30 @@ void CheckRead(const BlockSource &source, const Deck &deck, const ReadOutcome &o
   throw ReadFailure("out of memory");
 }
 
+namespace {
+
+std::unique_ptr<Parts> PartsOf(const Deck &deck) {
+  if (deck.info.adapted) return std::make_unique<AdaptedParts>(deck);
+  return std::make_unique<RawParts>();
+}
+
+}  // namespace
+
 void ReadDeck(const Deck &deck, BlockSink &sink) {
   MemorySource source(deck.bytes);
   source.SetLimit(BlockSource::SensibleLimit(deck.bytes.size()));
-  BlockBuilder builder(deck, sink);
+  const std::unique_ptr<Parts> parts = PartsOf(deck);
+  FilterHost host(deck, *parts, sink);
   {
-    Stream stream(source, deck.identity, builder.Routines(), &builder);
-    builder.Attach(stream);
-    if (!builder.Outcome().aborted) {
+    Stream stream(source, deck.identity, host.Routines(), &host);
+    host.Attach(stream);
+    if (!host.Outcome().aborted) {
       stream.Section();
       stream.Read();
     }
   }
-  builder.Rethrow();
-  CheckRead(source, deck, builder.Outcome());
+  host.Rethrow();
+  CheckRead(source, deck, host.Outcome());
   sink.EndDocument(deck.info);
 }
 

@@ -285,6 +285,7 @@ AdaptedDeck DeckAdapter::Run() {
   for (Token token; reader.Next(token);) Take(token);
   CloseCard();
   writer_.EndDeck();
+  adapted_.tags = writer_.TakeTags();
   adapted_.served = std::move(writer_).Take();
   adapted_.warnings = warnings_.Take();
   return std::move(adapted_);
@@ -608,7 +609,7 @@ void DeckAdapter::OpenCard(DeckCard card, std::size_t offset) {
   cardAction_ = parts.actions.size();
   parts.cards.push_back(std::move(card));
   actions_.BeginCard();
-  writer_.BeginCard();
+  writer_.BeginCard(adapted_.parts.cards.size() - 1);
 }
 
 void DeckAdapter::CloseCard() {
@@ -812,8 +813,10 @@ void DeckAdapter::BeginTable(const Token &token) {
     columns = std::max<std::size_t>(survey_.TableColumns(table_), 1);
   }
   ++table_;
-  writer_.OpenTable(columns, ValueReader::Word(token, "align") +
-                                 ServedAttribute("title", values_.Text(token.Find("title")).shown));
+  const auto text = [&](std::string_view name) {
+    return WithoutControls(Collapsed(values_.Text(token.Find(name)).shown));
+  };
+  writer_.OpenTable(columns, ValueReader::Word(token, "align"), text("title"), text("align"));
 }
 
 void DeckAdapter::EndTable(const Token &) {

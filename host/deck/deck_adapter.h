@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "host/deck/deck_parts.h"
+#include "host/serve/served_tags.h"
 #include "host/text/warnings.h"
 
 namespace vs_wml {
@@ -27,6 +28,7 @@ struct AdapterOptions {
 
 struct AdaptedDeck {
   std::string served;  ///< what the filter reads
+  ServedTags tags;     ///< what tags in it stand for
   DeckParts parts;
   std::vector<Warning> warnings;
 };

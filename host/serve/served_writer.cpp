@@ -54,10 +54,7 @@ void WriteStyleEnd(TextBuffer &served, Style style) {
   served.AddFrom({end.data(), nameLength + 3}, end.size());
 }
 
-enum class Place { kText, kAttribute };
-
-// What is special in text is a dollar, in an attribute a quote.
-void AddSpecial(TextBuffer &served, char c, Place place) {
+void AddSpecial(TextBuffer &served, char c) {
   switch (c) {
     case '<':
       served.Add("&lt;");
@@ -68,34 +65,28 @@ void AddSpecial(TextBuffer &served, char c, Place place) {
     case '&':
       served.Add("&amp;");
       break;
-    case '"':
-      served.Add(place == Place::kText ? "\"" : "&quot;");
-      break;
     case '$':
-      served.Add(place == Place::kText ? "$$" : "$");
+      served.Add("$$");
       break;
     default:
       served.Add(c);
   }
 }
 
-// Control characters are left out, white space in text excepted: some switch the filter's
-// character set, others a terminal's.
-void AddEscaped(TextBuffer &served, std::string_view text, Place place) {
+// Control characters are left out, white space excepted: some switch the filter's character
+// set, others a terminal's.
+void AddEscaped(TextBuffer &served, std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
-    if (place == Place::kText) {
-      const std::size_t plain = PlainLength(text.substr(at));
-      served.Add(text.substr(at, plain));
-      at += plain;
-      if (at == text.size()) return;
-    }
+    const std::size_t plain = PlainLength(text.substr(at));
+    served.Add(text.substr(at, plain));
+    at += plain;
+    if (at == text.size()) return;
     const auto byte = static_cast<unsigned char>(text[at]);
     const bool highControl =
         byte == 0xC2 && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
     if (highControl) ++at;
-    const bool keptControl = place == Place::kText && IsWhiteSpace(text[at]);
-    if (highControl || (byte < 0x20 && !keptControl) || byte == 0x7F) continue;
-    AddSpecial(served, text[at], place);
+    if (highControl || (byte < 0x20 && !IsWhiteSpace(text[at])) || byte == 0x7F) continue;
+    AddSpecial(served, text[at]);
   }
 }
 
@@ -114,17 +105,6 @@ void AddTarget(TextBuffer &served, const ServedReference &reference) {
 
 }  // namespace
 
-std::string ServedAttribute(std::string_view name, std::string_view value) {
-  if (value.empty()) return {};
-  TextBuffer attribute;
-  attribute.Add(' ');
-  attribute.Add(name);
-  attribute.Add("=\"");
-  AddEscaped(attribute, value, Place::kAttribute);
-  attribute.Add('"');
-  return std::move(attribute).Take();
-}
-
 std::optional<ServedReference> ParseServedTarget(std::string_view target) {
   const std::size_t digits = kScheme.size() + 2;
   if (target.size() <= digits || target.substr(0, kScheme.size()) != kScheme) return std::nullopt;
@@ -138,8 +118,9 @@ std::optional<ServedReference> ParseServedTarget(std::string_view target) {
   return reference;
 }
 
-void ServedWriter::BeginCard() {
+void ServedWriter::BeginCard(std::size_t card) {
   served_.Add("<card>");
+  tags_.cards.push_back({served_.Size(), card});
   Push(Element::kCard);
 }
 
@@ -159,7 +140,7 @@ void ServedWriter::EndCard() {
 }
 
 void ServedWriter::Text(std::string_view text) {
-  AddEscaped(served_, BeginText(text), Place::kText);
+  AddEscaped(served_, BeginText(text));
 }
 
 void ServedWriter::PlainText(std::string_view text, std::size_t readable) {
@@ -189,7 +170,7 @@ std::string_view ServedWriter::BeginText(std::string_view text) {
 void ServedWriter::Character(char32_t character) {
   BeforeContent();
   if (character < 0x80) {
-    AddSpecial(served_, static_cast<char>(character), Place::kText);
+    AddSpecial(served_, static_cast<char>(character));
   } else {
     std::string bytes;
     AppendUtf8(bytes, character);
@@ -277,11 +258,12 @@ void ServedWriter::Marker(const ServedReference &reference, std::string_view tex
 
 void ServedWriter::WriteMarker(const ServedReference &reference, std::string_view text) {
   WriteLinkStart(reference);
-  AddEscaped(served_, text, Place::kText);
+  AddEscaped(served_, text);
   served_.Add("</a>");
 }
 
-void ServedWriter::OpenTable(std::size_t columns, std::string_view attributes) {
+void ServedWriter::OpenTable(std::size_t columns, std::string_view attributes, std::string title,
+                             std::string align) {
   paragraphEnded_ = false;
   InterruptLink();
   whiteSpace_ = 0;
@@ -290,6 +272,7 @@ void ServedWriter::OpenTable(std::size_t columns, std::string_view attributes) {
   served_.Add('"');
   served_.Add(attributes);
   served_.Add('>');
+  tags_.tables.push_back({served_.Size(), std::move(title), std::move(align), {}});
   Push(Element::kTable);
   columns_ = columns;
 }
@@ -403,6 +386,7 @@ void ServedWriter::WriteEnd(const Open &open) {
       served_.Add("</table>");
       break;
     case Element::kRow:
+      tags_.tables.back().rowCells.push_back(static_cast<std::uint8_t>(rowCells_));
       AddPartEnd(kRowEnd);
       break;
     case Element::kCell:

@@ -11,9 +11,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/deck/deck_parts.h"
+#include "host/serve/served_tags.h"
 #include "host/text/text_buffer.h"
 
 namespace vs_wml {
@@ -29,9 +31,6 @@ struct ServedReference {
   ServedKind kind = ServedKind::kAction;
   std::size_t index = 0;
 };
-
-/// ` name="value"`, empty when the value is.
-std::string ServedAttribute(std::string_view name, std::string_view value);
 
 /// The reference of a target in served markup, nothing when the target does not have the
 /// form that all targets and sources are served in: what the document says stands in the
@@ -54,9 +53,12 @@ class ServedWriter {
 
   void BeginDeck() { served_.Add("<wml>"); }
   void EndDeck() { served_.Add("</wml>"); }
+  /// What the tags that were written so far stand for.
+  ServedTags TakeTags() { return std::move(tags_); }
   /// What was served; the writer is done then.
   std::string Take() && { return std::move(served_).Take(); }
-  void BeginCard();
+  /// The card of that index in DeckParts::cards.
+  void BeginCard(std::size_t card);
   /// Closes all that is open in the card.
   void CloseAll();
   void EndCard();
@@ -93,10 +95,12 @@ class ServedWriter {
   /// behind the table.
   void Marker(const ServedReference &reference, std::string_view text);
 
-  /// A table of at least one column. Cells that a row has more go on in its last one, behind a
-  /// blank, as WML wants it (WAP-191, 11.8.1); so does content behind a cell. Other content
-  /// that stands in the table but in no cell has a cell of its own.
-  void OpenTable(std::size_t columns, std::string_view attributes);
+  /// A table of at least one column; `align` has a letter for each, or is a word for the
+  /// table, as which it stands in the attributes. Cells that a row has more go on in its last one,
+  /// behind a blank, as WML wants it (WAP-191, 11.8.1); so does content behind a cell. Other
+  /// content that stands in the table but in no cell has a cell of its own.
+  void OpenTable(std::size_t columns, std::string_view attributes, std::string title,
+                 std::string align);
   void OpenRow();
   void OpenCell();
   void CloseCell() { CloseStructure(Element::kCell); }
@@ -135,6 +139,7 @@ class ServedWriter {
   void WriteMarker(const ServedReference &reference, std::string_view text);
 
   TextBuffer served_;
+  ServedTags tags_;
   std::size_t whiteSpace_ = 0;  // at the end of served_, as long as tags may go before it
   std::size_t partEnd_ = 0;     // behind the last end of a cell or a row
   std::size_t columns_ = 0;     // of the table

@@ -243,8 +243,9 @@ class MarkdownWriter : public BlockSink {
   void WriteDelimiters(const Table &table, const Row &row, std::size_t columns) {
     line_ = '|';
     for (std::size_t column = 0; column < columns; ++column) {
-      const Alignment alignment =
-          column < row.cellCount ? table.cells[row.firstCell + column].alignment : Alignment::kLeft;
+      const Alignment alignment = column < row.cellCount
+                                      ? table.cells[row.firstCell + column].alignment
+                                      : table.AlignmentOf(column);
       line_ += alignment == Alignment::kRight    ? " ---: |"
                : alignment == Alignment::kCenter ? " :---: |"
                                                  : " --- |";

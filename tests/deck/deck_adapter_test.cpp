@@ -143,7 +143,7 @@ constexpr ContentCase kTables[] = {
      "<table columns=\"2\"><tr><td>a</td><br/><td>b</tr><p></table>"},
     // More cells than columns.
     {"<table columns='1' align='C' title='\"T\"'><td>a<td>b<tr><th>c</table>d",
-     "<table columns=\"1\" align=\"C\" title=\"&quot;T&quot;\"><tr><td>a b<tr><td>c</table>d"},
+     "<table columns=\"1\" align=\"C\"><tr><td>a b<tr><td>c</table>d"},
     {"<table columns='2'><tr><td/><td><u>b</td> <td>c</u></td><td/><td>e</td></tr></table>",
      "<table columns=\"2\"><tr><td><td><u>b</u> c  e</table>"},
     {"<table columns='1'><tr><td>a</td><br/><td>b</td></table>",

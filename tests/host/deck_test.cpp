@@ -128,7 +128,7 @@ TEST(Deck, HasItsTargetsResolved) {
   EXPECT_EQ(log("", false), "{|\nPl [1:x]a [2:y?{v}]b <i|>\n}\n.");
   EXPECT_EQ(log("http://h/d/e", false),
             "{|\nPl [1:http://h/d/x]a [2:y?{v}]b <http://h/d/i|>\n}\n.");
-  EXPECT_EQ(log("http://h/d/e", true), "{|\nPl [1:x]a [2:y?$v]b <i|>\n}\n.");
+  EXPECT_EQ(log("http://h/d/e", true), "{|\nPl [1:'x']a [2:'y?$v']b <'i'|>\n}\n.");
   EXPECT_THROW(log("d/e", false), std::invalid_argument);
 }
 

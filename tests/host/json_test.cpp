@@ -70,7 +70,7 @@ const JsonCase kBlocks[] = {
     {"<card><p align='center'><table columns='2' align='LR' title='T'><tr><td>a<td>b<br/>c<tr>"
      "<td>d</table>",
      "\"rows\":[[{\"runs\":[{\"text\":\"a\"}]},{\"align\":\"right\",\"runs\":[{\"text\":"
-     "\"b\\nc\"}]}],[{\"runs\":[{\"text\":\"d\"}]},{\"align\":\"right\",\"runs\":[]}]]}"},
+     "\"b\\nc\"}]}],[{\"runs\":[{\"text\":\"d\"}]}]]}"},
     {"<card><p><img src='s$v' alt='' vspace='2'/><img src='t' localsrc='l'/></p></card>",
      "[{\"image\":{\"source\":\"s$v\",\"alternative\":\"\",\"attributes\":{\"vspace\":\"2\"}}},"
      "{\"image\":{\"source\":\"t\",\"localSource\":\"l\"}}]"},
@@ -166,7 +166,7 @@ TEST(JsonWriter, ListsTheLinksOfADeckThatIsNotAdaptedBehindTheCards) {
   std::string written;
   Output output([&](std::string_view piece) { written += piece; });
   ReadDeck(PrepareDeck("d",
-                       "<wml><card><p><a href='u'>a<br/>b</a><a href='v'>c</a></p></card>"
+                       "<wml><card><p><a href=u>a<br/>b</a><a href=v>c</a></p></card>"
                        "</wml>",
                        options),
            *MakeJsonWriter(output));

@@ -33,7 +33,7 @@ TEST(Markdown, IsReadAsTheDeckIs) {
       // Tables.
       {"<table columns='2' align='LR'><tr><td>a|b<br/>c</td><td>d</td></tr><tr><td>e</td></tr>"
        "</table>",
-       "| a\\|b<br>c | d |\n| --- | ---: |\n| e |  |\n"},
+       "| a\\|b<br>c | d |\n| --- | ---: |\n| e |\n"},
       // Targets: references and brackets in them are characters of the target.
       {"<p><a href='a b'>x</a> <a href='f(1)'>y</a> <a href='?a=1&amp;amp;b=&lt;2&gt;'>z</a></p>",
        "[x](a%20b) [y](f\\(1\\)) [z](?a=1&amp;amp;b=%3C2%3E)\n"},
