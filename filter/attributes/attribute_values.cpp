@@ -21,7 +21,8 @@ const AttrRef *FindValue(uint16_t attribute, const WmlProc *proc) {
   return nullptr;
 }
 
-// The first byte of a plain value that the input buffer still holds whole, else null.
+// The first byte of a plain value that the input buffer still holds, else null. It holds the value
+// whole then: what is read between a tag and its values ends behind the tag.
 const uint8_t *HeldValue(const AttrRef &attribute, const WmlProc *proc) {
   if (!kShortCuts || attribute.plainLength == NOT_PLAIN) return nullptr;
   if (ReadingStopped(proc)) return nullptr;
@@ -29,7 +30,9 @@ const uint8_t *HeldValue(const AttrRef &attribute, const WmlProc *proc) {
   const VwCharBuffer *input = proc->input;
   const uint32_t into = attribute.valuePos + 1 - input->start;
   const auto held = static_cast<uint32_t>(input->end - input->data);
-  return into < held && attribute.plainLength < held - into ? input->data + into : nullptr;
+  if (into >= held) return nullptr;
+  assert(attribute.plainLength < held - into);
+  return input->data + into;
 }
 
 // Reads a value of any kind from the document.

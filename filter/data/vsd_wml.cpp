@@ -406,16 +406,17 @@ constexpr bool NamesFit(size_t maximum, const NameRecord (&table)[rowCount]) {
   return true;
 }
 
-// No element takes a template that leaves the alignment to the tag: none is applied.
-constexpr bool TemplatesAlign() {
+// No element takes a template that leaves the alignment to the tag, or one that makes markup text:
+// the first is never applied, and the second only stands in save blocks.
+constexpr bool TemplatesApply() {
   for (const NameRecord &tag : WmlInit.tags) {
     const StyleRecord &style = WmlInit.styleTemplates[tag.value >> 16];
-    if (style.paraFlags & PARA_ALIGN_FROM_TAG) return false;
+    if ((style.paraFlags & PARA_ALIGN_FROM_TAG) || (style.modeBits & MODE_LITERAL)) return false;
   }
   return true;
 }
 
-static_assert(TemplatesAlign());
+static_assert(TemplatesApply());
 static_assert(NamesFit(NAME_KEY_MAX, WmlInit.tags));
 static_assert(NamesFit(NAME_KEY_MAX, WmlInit.entities));
 static_assert(NamesFit(ATTRIB_NAME_MAX, WmlInit.attributes));

@@ -22,16 +22,14 @@ constexpr bool IsCharsetControl(unsigned byte) {
   return byte == 0x0E || byte == 0x0F || byte == 0x1B;
 }
 
-// WMLGetChar, with the printable ASCII characters of the buffer taken in place.
+// WMLGetChar, with the printable ASCII characters of the buffer taken in place: behind its last
+// byte stands a NUL, and it is empty once the end of the input was met.
 inline uint16_t GetChar(WmlProc *proc) {
   if (!kShortCuts) return WMLGetChar(proc);
-  VwCharBuffer *input = proc->input;
-  const uint8_t byte = *input->next;
+  const uint8_t byte = *proc->input->next;
   const bool plain = byte >= 0x20 && byte < 0x80 && proc->save.curCharset != CHARSET_JIS_X0208;
-  if (!plain || input->next == input->end || (proc->stopFlags & STOP_END_OF_INPUT)) {
-    return WMLGetChar(proc);
-  }
-  ++input->next;
+  if (!plain) return WMLGetChar(proc);
+  ++proc->input->next;
   return byte;
 }
 

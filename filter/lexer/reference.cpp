@@ -163,7 +163,7 @@ uint16_t ScanNumeric(const uint8_t *at, const uint8_t **behind) {
 uint16_t ScanNamed(const uint8_t *at, const uint8_t **behind) {
   size_t n = 0;
   while (!EndsEntityName(at[n])) {
-    if (at[n] >= 0x80 || n == NAME_KEY_MAX) return 0;
+    if (n == NAME_KEY_MAX) return 0;
     ++n;
   }
   if (at[n] != ';') return 0;

@@ -103,8 +103,7 @@ bool ScanValue(bool isReference, Scan *scan, Value *value) {
   const uint8_t quote = *scan->at;
   if (kBytes.of[quote] != QUOTE) {
     value->length = ScanName(scan);
-    const ByteClass behind = ClassAt(*scan);
-    return !isReference && value->length > 0 && (behind == BLANK || behind == MARK);
+    return value->length > 0;
   }
   const uint8_t *at = value->begin = ++scan->at;
   if (*at == '>') return false;
@@ -122,15 +121,14 @@ bool ScanValue(bool isReference, Scan *scan, Value *value) {
 
 // The value of a reference stands in for the name of another attribute, which ordinary
 // values do not spell.
-bool IsOrdinaryReference(const Value &value, const Scan &scan) {
-  if (value.length == 1 || *scan.at == '=') return false;
-  return value.length == 0 || AttributeOf(value.begin, value.length) == ATTRIB_NONE;
+bool IsOrdinaryReference(const Value &value) {
+  return value.length != 1 && AttributeOf(value.begin, value.length) == ATTRIB_NONE;
 }
 
+// The attribute at the scan, which begins with a byte of a name.
 bool ScanAttribute(Scan *scan, WmlProc *proc) {
   const uint8_t *name = scan->at;
   const size_t length = ScanName(scan);
-  if (length == 0) return false;
   AttrRef attribute = {AttributeOf(name, length), NOT_PLAIN, 0};
   SkipBlanks(scan);
   if (*scan->at == '=') {
@@ -144,7 +142,7 @@ bool ScanAttribute(Scan *scan, WmlProc *proc) {
       attribute.plainLength = static_cast<uint16_t>(value.length);
     }
     SkipBlanks(scan);
-    if (isReference && !IsOrdinaryReference(value, *scan)) return false;
+    if (isReference && !IsOrdinaryReference(value)) return false;
   }
   if (attribute.attrId != ATTRIB_NONE) {
     if (proc->attrCount + 1 >= MAX_ATTRIBUTES) return false;
@@ -172,9 +170,8 @@ bool ScanWholeTag(Scan *scan, ItemRecord *item, WmlProc *proc) {
   if (length == 0) return false;
   item->tagId = TagOf(name, length);
   if (item->tagId == TAG_META) return false;
-  const bool blankBehind = ClassAt(*scan) == BLANK;
   SkipBlanks(scan);
-  while (ClassAt(*scan) == NAME && blankBehind) {
+  while (ClassAt(*scan) == NAME) {
     if (!ScanAttribute(scan, proc)) return false;
     SkipBlanks(scan);
   }
@@ -186,7 +183,6 @@ bool ScanWholeTag(Scan *scan, ItemRecord *item, WmlProc *proc) {
 bool ScanTag(ItemRecord *item, WmlProc *proc) {
   VwCharBuffer *input = proc->input;
   const uint16_t charset = proc->save.curCharset;
-  if (charset == CHARSET_JIS_X0208) return false;
   proc->attrCount = 0;
   Scan scan = {input->next, (charset & CHARSETF_MULTI_BYTE) != 0};
   ItemRecord scanned = *item;

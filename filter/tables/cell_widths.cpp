@@ -6,9 +6,9 @@
 
 namespace {
 
-// True for the bytes that are characters of their own in every charset but JIS X 0208.
+// True for the ASCII bytes that are characters of their own in every charset but JIS X 0208.
 bool IsPlain(uint16_t byte) {
-  return byte > ' ' && byte < 0x80 && byte != '<' && byte != '&' && byte != '$' && byte != '/';
+  return byte > ' ' && byte != '<' && byte != '&' && byte != '$' && byte != '/';
 }
 
 }  // namespace

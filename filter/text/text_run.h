@@ -32,10 +32,10 @@ struct TextRun {
   const SendEntry *table;  // of a SendTable
 };
 
-// The modes and decoder states that the sending of text depends on.
+// The modes and decoder states that the sending of text depends on, but for MODE_LITERAL, which
+// does not change within a read.
 inline uint32_t TextRunState(const WmlSave &save) {
-  constexpr uint32_t kModes =
-      MODE_PRE | MODE_LITERAL | MODE_IN_HEAD | MODE_IN_CARD | MODE_IN_TABLE | MODE_IN_CELL;
+  constexpr uint32_t kModes = MODE_PRE | MODE_IN_HEAD | MODE_IN_CARD | MODE_IN_TABLE | MODE_IN_CELL;
   static_assert(kModes <= 0xFFFF && (kModes & CS_SINGLE_SHIFT) == 0);
   return (save.modeFlags & kModes) | (save.charsetState & CS_SINGLE_SHIFT) |
          uint32_t{save.curCharset} << 16;
