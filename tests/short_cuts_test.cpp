@@ -23,5 +23,13 @@ INSTANTIATE_TEST_SUITE_P(Cases, ShortCutsTest, testing::ValuesIn(AllCases()),
                            return which.param.Name();
                          });
 
+// The break in front of a paragraph goes back to pairs of bytes, in which no quote ends the
+// paragraph's alignment: it ends with the document.
+TEST(ShortCuts, ReadAValueInTheCharsetThatIsInForceByThen) {
+  constexpr std::string_view kDocument =
+      "\x1B(J<wml><card>a\x1B$)C<p align=\"center\">\x1B(Jb<p align=\"center\">c</p></card></wml>";
+  for (const Plan &host : PlansFor(1159)) EXPECT_EQ(Difference(host, kDocument), "");
+}
+
 }  // namespace
 }  // namespace vs_wml::test

@@ -417,7 +417,7 @@ constexpr bool TemplatesApply() {
 }
 
 static_assert(TemplatesApply());
-static_assert(NamesFit(NAME_KEY_MAX, WmlInit.tags));
+static_assert(NamesFit(NAME_KEY_MAX - 1, WmlInit.tags));
 static_assert(NamesFit(NAME_KEY_MAX, WmlInit.entities));
 static_assert(NamesFit(ATTRIB_NAME_MAX, WmlInit.attributes));
 

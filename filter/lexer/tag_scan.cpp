@@ -57,8 +57,8 @@ size_t ScanName(Scan *scan) {
   return static_cast<size_t>(scan->at - begin);
 }
 
+// The name of a tag does not fill a key, so that no longer name has the key of one.
 uint8_t TagOf(const uint8_t *name, size_t length) {
-  if (length > NAME_KEY_MAX) return TAG_NONE;
   return static_cast<uint8_t>(TAG_INDEX.Find(LoadLowerNameKey(name, length)));
 }
 
