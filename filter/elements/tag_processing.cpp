@@ -177,8 +177,9 @@ void EndElement(uint8_t tagId, WmlProc *proc) {
 uint8_t CloseElement(uint8_t tagId, WmlProc *proc) {
   const uint32_t tagClass = TagClass(tagId);
   // The end of the style begun last, the most frequent case, does nothing but pop.
-  const bool endsTop = (tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId;
-  if (kShortCuts && endsTop) return TagStackPopTop(proc);
+  if (kShortCuts && (tagClass & TAGF_STYLE) && TagStackTop(proc).tagId == tagId) {
+    return TagStackPopTop(proc);
+  }
   if (tagClass & (TAGF_CONTAINER | TAGF_STYLE)) {
     const int16_t index = TagStackFind(tagId, proc);
     if (index < 0) return TAG_NONE;
