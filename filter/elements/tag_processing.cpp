@@ -107,7 +107,7 @@ void BeginBodyElement(ItemRecord item, WmlProc *proc) {
   }
 }
 
-[[gnu::noinline]] void BeginOtherElement(ItemRecord item, WmlProc *proc) {
+void BeginOtherElement(ItemRecord item, WmlProc *proc) {
   switch (item.tagId) {
     case TAG_NONE:
       break;
@@ -198,14 +198,14 @@ uint8_t CloseElement(uint8_t tagId, WmlProc *proc) {
 
 }  // namespace
 
-[[gnu::noinline]] void ProcessBeginTag(ItemRecord item, WmlProc *proc) {
+void ProcessBeginTag(ItemRecord item, WmlProc *proc) {
   if (item.tagId >= TAG_COUNT) item.tagId = TAG_NONE;  // from a save block
   if (TagClass(item.tagId) & TAGF_TABLE_PART) TagStackCloseParts(item.tagId, proc);
   TagStackPush(item, BeginElement(item, proc), proc);
 }
 
 // An element of the same tag right below a closed container or style is popped with it.
-[[gnu::noinline]] void ProcessEndTag(uint8_t tagId, WmlProc *proc) {
+void ProcessEndTag(uint8_t tagId, WmlProc *proc) {
   TagStackPop(CloseElement(tagId, proc), proc);
 }
 

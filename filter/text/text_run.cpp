@@ -120,7 +120,7 @@ Taken TakeReference(const uint8_t *at, uint16_t last, WmlProc *proc) {
   return {behind, sent};
 }
 
-[[gnu::noinline]] TextRun MakeTextRun(const WmlProc *proc) {
+TextRun MakeTextRun(const WmlProc *proc) {
   const WmlSave &save = proc->save;
   TextRun run = {};
   run.state = TextRunState(save);
