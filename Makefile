@@ -31,7 +31,9 @@ test: build ## build and run all tests
 test-all: build ## the tests that need more: browsers, viewers of Markdown
 	@scripts/install-deps test-all
 	@tests/markdown/viewers_test.py $(BUILD)/unwml/unwml --all
-	@tests/html/browser_test.py $(BUILD)/unwml/unwml $(BUILD)/pages
+	@npm install --silent --no-save --prefix $(BUILD)/npm axe-core@4
+	@tests/html/browser_test.py $(BUILD)/unwml/unwml $(BUILD)/pages \
+	  $(BUILD)/npm/node_modules/axe-core/axe.min.js
 
 bench: ## measure; prints the tables of docs/performance.md
 	@scripts/install-deps build

@@ -308,6 +308,47 @@ std::string WithoutControls(std::string text) {
   return text;
 }
 
+namespace {
+
+bool IsJoiner(char32_t character) {
+  return character == 0x200C || character == 0x200D;
+}
+
+bool IsFormat(char32_t character) {
+  return u_charType(static_cast<UChar32>(character)) == U_FORMAT_CHAR || character == 0x2028 ||
+         character == 0x2029;
+}
+
+bool IsLetterBeyondAscii(char32_t character) {
+  return character >= 0x80 && u_isalpha(static_cast<UChar32>(character)) != 0;
+}
+
+}  // namespace
+
+std::string WithVisibleFormats(std::string_view text) {
+  if (AsciiPrefix(text) == text.size()) return std::string(text);
+  std::string shown;
+  char32_t before = 0;
+  for (std::size_t offset = 0; offset < text.size();) {
+    const char32_t character = NextCharacter(text, offset);
+    std::size_t next = offset;
+    const bool joins = IsJoiner(character) && offset < text.size() && IsLetterBeyondAscii(before) &&
+                       IsLetterBeyondAscii(NextCharacter(text, next));
+    if (IsFormat(character) && !joins) {
+      constexpr std::string_view kHex = "0123456789ABCDEF";
+      shown += "<U+";
+      for (int shift = character > 0xFFFF ? 20 : 12; shift >= 0; shift -= 4) {
+        shown += kHex[(character >> static_cast<unsigned>(shift)) & 15U];
+      }
+      shown += '>';
+    } else {
+      AppendUtf8(shown, character);
+    }
+    before = character;
+  }
+  return shown;
+}
+
 int ColumnWidth(char32_t character) {
   if (character < 0x300) return character == 0xAD ? 0 : 1;
   // Not worth a look-up: Greek and Cyrillic but for its combining marks, punctuation and

@@ -67,6 +67,11 @@ CharacterClass ClassOf(char32_t character);
 /// The text without control characters. Nothing is copied when it has none.
 std::string WithoutControls(std::string text);
 
+/// The text with the characters that reorder or hide what stands around them shown as what they
+/// are, `<U+202E>`: marks, embeddings, overrides and isolates of direction, zero-width blanks.
+/// Joiners stay between letters beyond ASCII, which they shape.
+std::string WithVisibleFormats(std::string_view text);
+
 /// Whether a character controls a terminal rather than shows: C0, DEL and C1.
 constexpr bool IsControl(char32_t character) {
   return character < 0x20 || (character >= 0x7F && character <= 0x9F);

@@ -2,56 +2,32 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
+#include "host/text/ascii.h"
+#include "host/text/utf8.h"
 #include "host/writer.h"
+#include "host/writers/html_page.h"
+#include "host/writers/repeat_budget.h"
+#include "host/writers/submission.h"
 #include "host/writers/target.h"
 
 namespace vs_wml {
 namespace {
 
-// Nothing of the document runs and nothing is fetched but its images; forms are sent
-// when somebody sends them.
-constexpr std::string_view kHead =
-    "<!DOCTYPE html>\n"
-    "<html>\n"
-    "<head>\n"
-    "<meta charset=\"utf-8\">\n"
-    "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-    "img-src 'self' data: file: http: https:; style-src 'unsafe-inline'; base-uri 'none'; "
-    "form-action 'self' file: http: https:\">\n"
-    "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
-
-constexpr std::string_view kStyle =
-    "<style>\n"
-    "body { max-width: 40em; margin: 1em auto; padding: 0 1em; font: 16px/1.4 sans-serif;"
-    " color: #000; background: #fff; overflow-wrap: break-word; }\n"
-    "section { border: 1px solid #999; border-radius: .4em; margin: 0 0 1em; padding: 0 1em; }\n"
-    "section:target { border-color: #00f; }\n"
-    "h2 { font-size: 1.1em; margin: 0 -1em .7em; padding: .3em 1em; background: #ddd;"
-    " border-radius: .4em .4em 0 0; }\n"
-    "p { margin: .7em 0; min-height: 1em; }\n"
-    "pre { margin: .7em 0; font-size: .85em; overflow-x: auto; }\n"
-    "input, select, button { font: inherit; max-width: 100%; }\n"
-    "img { image-rendering: pixelated; }\n"
-    "a, .inert { color: #00f; text-decoration: underline; }\n"
-    ".key, button { display: inline-block; margin: .1em 0; padding: .1em .7em; color: #000;"
-    " background: #eee; border: 1px solid #777; border-radius: .4em; text-decoration: none; }\n"
-    ".inert.key { color: #555; }\n"
-    ".event::before { content: '\\2192\\00A0'; }\n"
-    "table { border-collapse: collapse; margin: .7em 0; max-width: 100%; }\n"
-    "td { border: 1px solid #000; padding: .1em .4em; vertical-align: top; }\n"
-    "img { vertical-align: middle; max-width: 100%; }\n"
-    ".l { text-align: left; } .c { text-align: center; } .r { text-align: right; }\n"
-    ".j { text-align: justify; }\n"
-    "table.c { margin-left: auto; margin-right: auto; } table.r { margin-left: auto; }\n"
-    ".big { font-size: 1.5em; } .small { font-size: .8em; }\n"
-    "</style>\n";
-
+// Ids of the page's own begin like this.
+constexpr std::string_view kOwnId = "unwml-";
 constexpr std::string_view kFormId = "unwml-form-";
+constexpr std::string_view kLinkId = "unwml-link-";
+constexpr std::string_view kFieldId = "unwml-field-";
+constexpr std::string_view kNoLanguage = "und";
 constexpr std::size_t kMostRows = 6;               // of a list of options
+constexpr std::size_t kMostChoices = 12;           // that are shown one a line
 constexpr std::size_t kMostEmbedded = 16U << 20U;  // bytes of pictures in a page
 
 constexpr std::array<std::string_view, 4> kAlignmentClass = {"l", "c", "r", "j"};
@@ -81,38 +57,82 @@ void Escape(Output &out, std::string_view text) {
   }
 }
 
-// An HTML id holds no blanks; those of forms are taken.
+// An HTML id holds no blanks.
 bool IsHtmlId(std::string_view id) {
-  return !id.empty() && !id.starts_with(kFormId) &&
+  return !id.empty() && !id.starts_with(kOwnId) &&
          id.find_first_of(" \t\r\n\f") == std::string_view::npos;
+}
+
+// Whether it looks like a language: `en`, `pt-BR`.
+bool IsLanguage(std::string_view tag) {
+  const std::size_t letters = std::min(tag.find('-'), tag.size());
+  return (letters == 2 || letters == 3) &&
+         std::all_of(tag.begin(), tag.begin() + static_cast<std::ptrdiff_t>(letters), IsLetter) &&
+         std::all_of(tag.begin(), tag.end(),
+                     [](char c) { return IsLetter(c) || IsDigit(c) || c == '-'; });
+}
+
+std::string Id(std::string_view kind, std::size_t number) {
+  return std::string(kind) + std::to_string(number);
+}
+
+using Values = std::vector<Submission::Value>;
+
+// The values that are sent whatever is typed.
+std::vector<const Submission::Value *> Fixed(const Submission &submission) {
+  std::vector<const Submission::Value *> fixed;
+  for (const Submission::Value &value : submission.values) {
+    if (value.known && value.variable.empty()) fixed.push_back(&value);
+  }
+  return fixed;
+}
+
+bool SameFixed(const Submission &a, const Submission &b) {
+  const auto first = Fixed(a);
+  const auto second = Fixed(b);
+  return std::equal(
+      first.begin(), first.end(), second.begin(), second.end(),
+      [](const auto *x, const auto *y) { return x->name == y->name && x->text == y->text; });
 }
 
 class HtmlWriter : public BlockSink {
  public:
-  explicit HtmlWriter(Output &output) : out_(output) {}
+  HtmlWriter(Output &output, const WriterOptions &options)
+      : out_(output), remoteImages_(options.remoteImages) {}
 
   void BeginDocument(const DeckInfo &deck) override {
     name_ = deck.name;
     parts_ = &deck.parts;
+    reader_ = LinkReader(deck);
+    repeats_ = {};
     headWritten_ = false;
     ids_.clear();
+    accessKeys_.clear();
     forms_.clear();
+    said_.clear();
+    explained_.clear();
+    hidden_.clear();
+    cards_ = tables_ = fields_ = 0;
     embedded_ = 0;
   }
 
   void BeginCard(const Card &card) override {
     WriteHead(card.title);
+    ++cards_;
+    cardFields_.clear();
+    if (card.parts != nullptr) {
+      for (PartIndex index = 0; index < card.parts->fieldCount; ++index) {
+        const Field &field = parts_->fields[card.parts->firstField + index];
+        cardFields_.try_emplace(field.Variable(), &field);
+      }
+    }
     out_ << "<section";
-    if (IsHtmlId(card.id) && ids_.insert(card.id).second) {
-      out_ << " id=\"";
-      Escape(out_, card.id);
-      out_ << '"';
+    if (IsHtmlId(card.id) && ids_.insert(card.id).second) WriteAttribute("id", card.id);
+    if (card.parts != nullptr && IsLanguage(card.parts->language)) {
+      WriteAttribute("lang", card.parts->language);
     }
     out_ << ">\n";
-    if (card.title.empty()) return;
-    out_ << "<h2>";
-    Escape(out_, card.title);
-    out_ << "</h2>\n";
+    WriteHeading(card);
   }
 
   void TakeParagraph(const Paragraph &paragraph) override {
@@ -123,6 +143,7 @@ class HtmlWriter : public BlockSink {
       CloseParagraph();
       out_ << '<' << tag;
       WriteClass(paragraph.alignment);
+      if (paragraph.preformatted) out_ << " tabindex=\"0\"";
       out_ << '>';
       // The first line feed of a pre element counts for nothing.
       if (paragraph.preformatted) out_ << '\n';
@@ -134,15 +155,21 @@ class HtmlWriter : public BlockSink {
   void TakeTable(const Table &table) override {
     CloseParagraph();
     if (table.rows.empty()) return;
-    out_ << "<table";
+    ++tables_;
+    out_ << "<div class=\"wide\" role=\"region\" tabindex=\"0\" aria-label=\"";
+    if (table.title.empty()) {
+      out_ << "Table " << tables_;
+    } else {
+      EscapeShown(table.title);
+    }
+    out_ << "\">\n<table";
     WriteClass(table.alignment);
     out_ << ">\n";
     if (!table.title.empty()) {
       out_ << "<caption>";
-      Escape(out_, table.title);
+      EscapeShown(table.title);
       out_ << "</caption>\n";
     }
-    WriteColumns(table.columnWidths);
     for (const Row &row : table.rows) {
       out_ << "<tr>";
       for (const Cell &cell : table.CellsOf(row)) {
@@ -155,45 +182,81 @@ class HtmlWriter : public BlockSink {
       if (row.cellCount == 0) out_ << "<td></td>";
       out_ << "</tr>\n";
     }
-    out_ << "</table>\n";
+    out_ << "</table>\n</div>\n";
   }
 
   void EndCard() override {
     CloseParagraph();
-    WriteForms();
+    for (auto &[index, form] : forms_) WriteForm(index, form);
     out_ << "</section>\n";
   }
 
   void EndDocument(const DeckInfo & /*deck*/) override {
     WriteHead("");
-    out_ << "</body>\n</html>\n";
+    out_ << "</main>\n</body>\n</html>\n";
     out_.Flush();
   }
 
  private:
+  // A form of the page, which stands at the end of its card.
+  struct Form {
+    Submission submission;
+    bool hidesFixed = false;  ///< what is sent whatever is typed is in the form, not on buttons
+    bool written = false;
+  };
+
   // The page is named after its first card, or else after the document.
   void WriteHead(std::string_view title) {
     if (headWritten_) return;
     headWritten_ = true;
-    out_ << kHead << "<title>";
-    Escape(out_, title.empty() ? std::string_view(name_) : title);
-    out_ << "</title>\n" << kStyle << "</head>\n<body>\n";
+    const std::size_t language = kPageHead.find('%');
+    const std::size_t pictures = kPageHead.find('%', language + 1);
+    out_ << kPageHead.substr(0, language)
+         << (IsLanguage(parts_->language) ? parts_->language : kNoLanguage)
+         << kPageHead.substr(language + 1, pictures - language - 1)
+         << (remoteImages_ ? kAllPictures : kOwnPictures) << kPageHead.substr(pictures + 1)
+         << "<title>";
+    EscapeShown(title.empty() ? std::string_view(name_) : title);
+    out_ << "</title>\n" << kPageStyle << "</head>\n<body>\n<main>\n<h1>";
+    const std::string_view name = BaseName(name_);
+    EscapeShown(name.empty() ? std::string_view("Deck") : name);
+    out_ << "</h1>\n";
+  }
+
+  // A card is named by its title and its id, or else counted among the others.
+  void WriteHeading(const Card &card) {
+    if (card.title.empty() && card.id.empty() && parts_->cards.size() == 1) return;
+    out_ << "<h2>";
+    if (!card.title.empty()) {
+      out_ << "<span>";
+      EscapeShown(card.title);
+      out_ << "</span>";
+    }
+    if (!card.id.empty() || card.title.empty()) {
+      out_ << "<span class=\"own\">";
+      if (card.id.empty()) {
+        out_ << "Card " << cards_;
+      } else {
+        out_ << '#';
+        EscapeShown(card.id);
+      }
+      out_ << "</span>";
+    }
+    out_ << "</h2>\n";
+  }
+
+  // What is not text of the deck shows what would reorder or hide it.
+  void EscapeShown(std::string_view text) { Escape(out_, WithVisibleFormats(text)); }
+
+  void WriteAttribute(std::string_view name, std::string_view value) {
+    out_ << ' ' << name << "=\"";
+    Escape(out_, value);
+    out_ << '"';
   }
 
   void WriteClass(Alignment alignment) {
     if (alignment == Alignment::kLeft) return;
     out_ << " class=\"" << kAlignmentClass[static_cast<std::size_t>(alignment)] << '"';
-  }
-
-  void WriteColumns(std::span<const std::uint32_t> widths) {
-    if (widths.empty()) return;
-    out_ << "<colgroup>";
-    for (const std::uint32_t width : widths) {
-      out_ << "<col";
-      if (width != 0) out_ << " style=\"width:" << std::size_t{width / kTwipsPerPixel} << "px\"";
-      out_ << '>';
-    }
-    out_ << "</colgroup>\n";
   }
 
   void CloseParagraph() {
@@ -202,6 +265,7 @@ class HtmlWriter : public BlockSink {
   }
 
   void WriteContent(const Content &content) {
+    repeats_.Earn(content.text.size());
     std::uint32_t link = kNone;
     for (const Run &run : content.runs) {
       if (run.link != link) {
@@ -216,156 +280,374 @@ class HtmlWriter : public BlockSink {
 
   enum class LinkShape { kAnchor, kButton, kInert, kField };
 
-  static LinkShape ShapeOf(const Link &link) {
-    if (link.field != nullptr) return LinkShape::kField;
-    if (!IsSafeTarget(link.target)) return LinkShape::kInert;
-    if (link.action == nullptr) return LinkShape::kAnchor;
-    const Task &task = link.action->task;
-    if (task.kind != TaskKind::kGo) return LinkShape::kInert;
-    const bool sends = task.Posts() || !task.PostFields().empty();
-    return sends && !link.target.starts_with('#') ? LinkShape::kButton : LinkShape::kAnchor;
+  LinkShape ShapeOf(const Link &link) const {
+    const LinkOutcome outcome = reader_.OutcomeOf(link);
+    if (outcome == LinkOutcome::kField) return LinkShape::kField;
+    if (SubmissionOf(link)) return LinkShape::kButton;
+    return outcome == LinkOutcome::kFollowed ? LinkShape::kAnchor : LinkShape::kInert;
   }
 
   void BeginLink(const Link &link) {
-    const LinkShape shape = ShapeOf(link);
-    if (shape == LinkShape::kField) {
-      WriteField(*link.field);
-      return;
+    shape_ = ShapeOf(link);
+    switch (shape_) {
+      case LinkShape::kField:
+        WriteField(*link.field);
+        break;
+      case LinkShape::kButton:
+        BeginButton(link);
+        break;
+      case LinkShape::kAnchor:
+        out_ << "<a";
+        WriteTarget(link);
+        WriteRole(link, "");
+        if (link.action != nullptr) WriteAccessKey(DetailsOf(*link.action).accessKey);
+        WriteTitle(link.title);
+        out_ << '>';
+        break;
+      case LinkShape::kInert:
+        out_ << "<span";
+        WriteRole(link, "inert");
+        out_ << '>';
     }
-    if (shape == LinkShape::kButton) {
-      forms_.try_emplace(link.actionIndex, false);
-      out_ << "<button form=\"" << kFormId << std::size_t{link.actionIndex} << '"';
-    } else {
-      WriteLinkTag(link, shape);
-    }
-    if (shape == LinkShape::kInert) {
-      WriteTitle(LinkTargetText(link));
-    } else if (!link.title.empty()) {
-      WriteTitle(link.title);
-    }
-    out_ << '>';
   }
 
-  void WriteLinkTag(const Link &link, LinkShape shape) {
+  // A key leads to the first that has it.
+  void WriteAccessKey(std::string_view key) {
+    if (CountCharacters(key) != 1 || !accessKeys_.insert(std::string(key)).second) return;
+    WriteAttribute("accesskey", key);
+  }
+
+  static void AppendWord(std::string &words, std::string_view word) {
+    if (!words.empty() && !word.empty()) words += ' ';
+    words += word;
+  }
+
+  void WriteRole(const Link &link, std::string words) {
     const ActionKind kind = link.action == nullptr ? ActionKind::kLink : link.action->kind;
-    const std::string_view role = kind == ActionKind::kDo      ? "key"
-                                  : kind == ActionKind::kEvent ? "event"
-                                                               : "";
-    if (shape == LinkShape::kAnchor) {
-      out_ << "<a href=\"";
-      Escape(out_, EncodeTarget(link.target));
-      out_ << '"';
-      if (!role.empty()) out_ << " class=\"" << role << '"';
-    } else {
-      out_ << "<span class=\"inert" << (role.empty() ? "" : " ") << role << '"';
+    if (kind == ActionKind::kDo) AppendWord(words, "key");
+    if (kind == ActionKind::kEvent) AppendWord(words, "event");
+    if (!words.empty()) WriteAttribute("class", words);
+  }
+
+  // A long target that has many users is written for the first of them; later ones lead there
+  // once they would make the page grow out of proportion.
+  void WriteTarget(const Link &link) {
+    const bool known = link.actionIndex != kNoIndex;
+    const std::size_t size = link.target.size() + link.title.size();
+    if (!known || size < RepeatBudget::kShort) {
+      repeats_.Earn(known ? 0 : size);
+      WriteAttribute("href", EncodeTarget(link.target));
+      return;
     }
+    if (said_.insert(link.actionIndex).second) {
+      repeats_.Earn(size);
+      WriteAttribute("href", EncodeTarget(link.target));
+      WriteAttribute("id", Id(kLinkId, link.actionIndex));
+      return;
+    }
+    WriteAttribute("href", repeats_.Spend(size) ? EncodeTarget(link.target)
+                                                : '#' + Id(kLinkId, link.actionIndex));
   }
 
   void EndLink(const Link &link) {
-    switch (ShapeOf(link)) {
-      case LinkShape::kAnchor:
-        out_ << "</a>";
-        break;
+    switch (shape_) {
+      case LinkShape::kField:
+        return;
       case LinkShape::kButton:
         out_ << "</button>";
         break;
+      case LinkShape::kAnchor:
+        out_ << "</a>";
+        break;
       case LinkShape::kInert:
         out_ << "</span>";
-        break;
-      case LinkShape::kField:
-        break;
+    }
+    WriteWhy(link);
+  }
+
+  // What cannot be seen of a link, or why it is none, for who reads.
+  void WriteWhy(const Link &link) {
+    const std::string why = reader_.Explanation(link, shape_ != LinkShape::kInert);
+    if (why.empty()) return;
+    const bool again = link.actionIndex != kNoIndex && !explained_.insert(link.actionIndex).second;
+    if (again && !repeats_.Spend(why.size())) return;
+    if (!again) repeats_.Earn(why.size());
+    out_ << " <span class=\"why\">(";
+    EscapeShown(why);
+    out_ << ")</span>";
+  }
+
+  // ------------------------------------------------------------------ forms
+
+  // The field of the card that gives a value.
+  const Field *FieldOf(const Submission::Value &value) const {
+    const auto found = cardFields_.find(value.variable);
+    return value.variable.empty() || found == cardFields_.end() ? nullptr : found->second;
+  }
+
+  // The form that what is typed for the submission is in already, with the same fields and all
+  // else that is sent; kNoIndex when there is none.
+  std::size_t SharedForm(const Submission &submission, std::size_t own) const {
+    std::size_t shared = kNoIndex;
+    for (const Submission::Value &value : submission.values) {
+      if (value.known && value.variable.empty()) continue;
+      const Field *field = FieldOf(value);
+      if (field == nullptr || field->action == kNoIndex || field->action == own) return kNoIndex;
+      if (field->sentName != value.name) return kNoIndex;
+      if (shared != kNoIndex && shared != field->action) return kNoIndex;
+      shared = field->action;
+    }
+    if (shared == kNoIndex) return kNoIndex;
+    const auto other = SubmissionOfAction(shared);
+    if (!other) return kNoIndex;
+    const auto asked = [](const Submission &s) { return s.values.size() - Fixed(s).size(); };
+    const bool fits = asked(*other) == asked(submission) &&
+                      (SameFixed(*other, submission) ||
+                       (Fixed(*other).size() <= 1 && Fixed(submission).size() <= 1));
+    return fits ? shared : kNoIndex;
+  }
+
+  std::optional<Submission> SubmissionOfAction(std::size_t index) const {
+    Link link;
+    link.action = &parts_->actions[index];
+    link.target = link.action->task.target.shown;
+    return SubmissionOf(link);
+  }
+
+  Form &FormOf(std::size_t index, const Submission &submission) {
+    Form &form = forms_[index];
+    form.submission = submission;
+    form.hidesFixed = Fixed(submission).size() > 1;
+    return form;
+  }
+
+  void BeginButton(const Link &link) {
+    const Submission submission = *SubmissionOf(link);
+    const std::size_t own = link.actionIndex;
+    const std::size_t shared = SharedForm(submission, own);
+    const std::size_t index = shared != kNoIndex ? shared : own;
+    if (forms_.count(index) == 0) FormOf(index, *SubmissionOfAction(index));
+    const auto fixed = Fixed(submission);
+    if (shared == kNoIndex && said_.insert(own).second) AskForValues(submission, own);
+    out_ << "<button";
+    WriteAttribute("form", Id(kFormId, index));
+    if (shared != kNoIndex) {
+      WriteAttribute("formaction", EncodeTarget(submission.address));
+      WriteAttribute("formmethod", submission.post ? "post" : "get");
+      if (submission.multipart) WriteAttribute("formenctype", "multipart/form-data");
+    }
+    if (!forms_[index].hidesFixed && fixed.size() == 1 && !fixed[0]->name.empty()) {
+      WriteAttribute("name", fixed[0]->name);
+      WriteAttribute("value", fixed[0]->text);
+    }
+    WriteTitle(link.title);
+    out_ << '>';
+  }
+
+  // Values that no field of the form gives are asked for in front of the button.
+  void AskForValues(const Submission &submission, std::size_t form) {
+    for (const Submission::Value &value : submission.values) {
+      if (value.known && value.variable.empty()) continue;
+      const Field *field = FieldOf(value);
+      if (field != nullptr && field->action == form && field->sentName == value.name) continue;
+      if (field == nullptr && value.known) {
+        hidden_[form].push_back(value);
+        continue;
+      }
+      out_ << "<label>";
+      EscapeShown(field != nullptr && !field->title.IsEmpty() ? field->title.shown
+                  : value.variable.empty()                    ? value.name
+                                                              : value.variable);
+      out_ << " <input type=\""
+           << (field != nullptr && field->type == "password" ? "password" : "text") << '"';
+      WriteAttribute("form", Id(kFormId, form));
+      if (!value.name.empty()) WriteAttribute("name", value.name);
+      WriteAttribute(value.known ? "value" : "placeholder", value.text);
+      out_ << "></label> ";
     }
   }
 
-  void WriteAttribute(std::string_view name, std::string_view value) {
-    out_ << ' ' << name << "=\"";
-    Escape(out_, value);
+  void WriteForm(std::size_t index, Form &form) {
+    if (std::exchange(form.written, true)) return;
+    const Submission &submission = form.submission;
+    out_ << "<form";
+    WriteAttribute("id", Id(kFormId, index));
+    WriteAttribute("action", EncodeTarget(submission.address));
+    WriteAttribute("method", submission.post ? "post" : "get");
+    if (submission.multipart) WriteAttribute("enctype", "multipart/form-data");
+    out_ << '>';
+    if (form.hidesFixed) {
+      for (const Submission::Value *value : Fixed(submission)) WriteHidden(*value);
+    }
+    for (const Submission::Value &value : hidden_[index]) WriteHidden(value);
+    out_ << "</form>\n";
+  }
+
+  void WriteHidden(const Submission::Value &value) {
+    if (value.name.empty()) return;
+    out_ << "<input type=\"hidden\"";
+    WriteAttribute("name", value.name);
+    WriteAttribute("value", value.text);
+    out_ << '>';
+  }
+
+  // ----------------------------------------------------------------- fields
+
+  void WriteField(const Field &field) {
+    ++fields_;
+    if (field.action != kNoIndex && forms_.count(field.action) == 0) {
+      if (const auto submission = SubmissionOfAction(field.action)) {
+        FormOf(field.action, *submission);
+      }
+    }
+    if (field.kind == FieldKind::kInput) {
+      WriteInput(field);
+    } else if (field.optionCount != 0 && field.optionCount <= kMostChoices) {
+      WriteChoices(field);
+    } else {
+      WriteSelect(field);
+    }
+  }
+
+  // The form that a field belongs to, and what it is sent as.
+  void WriteSending(const Field &field, bool isChoice) {
+    const bool sent = field.action != kNoIndex && forms_.count(field.action) != 0;
+    if (sent) WriteAttribute("form", Id(kFormId, field.action));
+    const std::string_view name = sent ? field.sentName : field.Variable();
+    if (isChoice && (!sent || name.empty())) {
+      // Those of one name exclude each other in the whole page.
+      WriteAttribute("name", Id(kFieldId, fields_));
+    } else if (!name.empty()) {
+      WriteAttribute("name", name);
+    }
+  }
+
+  // What a field is called where no title says it.
+  void WriteLabel(const Field &field) {
+    out_ << " aria-label=\"";
+    if (!field.Label().empty()) {
+      EscapeShown(field.Label());
+    } else {
+      out_ << "Field " << fields_;
+    }
     out_ << '"';
   }
 
-  // The form of an action stands at the end of the card; its button and its fields name it.
-  void WriteForms() {
-    for (auto &[index, written] : forms_) {
-      if (std::exchange(written, true)) continue;
-      const Task &task = parts_->actions[index].task;
-      out_ << "<form id=\"" << kFormId << index << '"';
-      WriteAttribute("action", EncodeTarget(task.target.shown));
-      out_ << " method=\"" << (task.Posts() ? "post" : "get") << '"';
-      if (task.IsMultipart()) WriteAttribute("enctype", "multipart/form-data");
-      out_ << '>';
-      for (const NameValue &field : task.PostFields()) {
-        if (field.fromField) continue;
-        out_ << "<input type=\"hidden\"";
-        WriteAttribute("name", field.name.shown);
-        WriteAttribute("value", field.value.shown);
-        out_ << '>';
-      }
-      out_ << "</form>\n";
-    }
+  void BeginLabel(const Field &field) {
+    if (field.title.IsEmpty()) return;
+    out_ << "<label>";
+    EscapeShown(field.title.shown);
+    out_ << ' ';
   }
 
-  void WriteField(const Field &field) {
-    const bool isInput = field.kind == FieldKind::kInput;
-    out_ << (isInput ? "<input" : "<select");
-    if (field.action != kNoIndex) out_ << " form=\"" << kFormId << std::size_t{field.action} << '"';
-    WriteAttribute("name", field.action == kNoIndex ? field.Variable() : field.sentName);
-    WriteAttribute("aria-label", field.Label());
-    if (isInput) {
-      WriteInput(field);
-    } else {
-      WriteOptions(field);
-    }
+  void EndLabel(const Field &field) {
+    if (!field.title.IsEmpty()) out_ << "</label>";
   }
 
   void WriteInput(const Field &field) {
     const bool isButton = field.type == "submit" || field.type == "button";
-    out_ << " type=\""
-         << (isButton                   ? "button"
-             : field.type == "password" ? "password"
-                                        : "text")
-         << '"';
+    const std::string_view type = isButton                   ? "button"
+                                  : field.type == "password" ? "password"
+                                                             : "text";
+    if (!isButton) BeginLabel(field);
+    out_ << "<input";
+    WriteAttribute("type", type);
+    WriteSending(field, false);
+    if (isButton ? field.value.IsEmpty() : field.title.IsEmpty()) WriteLabel(field);
     if (!field.value.IsEmpty()) WriteAttribute("value", field.value.shown);
-    if (field.size != 0) out_ << " size=\"" << std::size_t{field.size} << '"';
-    if (field.length != 0) out_ << " maxlength=\"" << std::size_t{field.length} << '"';
-    if (!field.title.IsEmpty()) WriteTitle(field.title.shown);
+    if (field.size != 0 && !isButton) out_ << " size=\"" << std::size_t{field.size} << '"';
+    if (field.length != 0 && !isButton) out_ << " maxlength=\"" << std::size_t{field.length} << '"';
+    if (field.details) WriteAccessKey(field.details->accessKey);
+    if (!field.format.empty()) WriteTitle("format " + std::string(field.format));
     out_ << '>';
+    if (!isButton) EndLabel(field);
   }
 
-  void WriteOptions(const Field &field) {
-    if (field.multiple) {
-      out_ << " multiple size=\"" << std::clamp<std::size_t>(field.optionCount, 1, kMostRows)
-           << '"';
-    }
-    if (!field.title.IsEmpty()) WriteTitle(field.title.shown);
-    out_ << '>';
+  // Calls `begin` and `end` around the options of each group.
+  template <typename Begin, typename Take, typename End>
+  void ForEachOption(const Field &field, Begin begin, Take take, End end) const {
     PartIndex group = kNoIndex;
     for (PartIndex index = 0; index < field.optionCount; ++index) {
       const FieldOption &option = parts_->options[field.firstOption + index];
       if (option.group != group) {
-        if (group != kNoIndex) out_ << "</optgroup>";
+        if (group != kNoIndex) end();
         group = option.group;
-        if (group != kNoIndex) {
-          out_ << "<optgroup";
-          WriteAttribute("label", parts_->groups[group].title.shown);
-          out_ << '>';
-        }
+        if (group != kNoIndex) begin(parts_->groups[group].title.shown);
       }
-      out_ << "<option";
-      WriteAttribute("value", option.value.shown);
-      if (option.selected) out_ << " selected";
-      out_ << '>';
-      Escape(out_, option.Label());
-      out_ << "</option>";
+      take(option);
     }
-    if (group != kNoIndex) out_ << "</optgroup>";
+    if (group != kNoIndex) end();
+  }
+
+  void WriteChoices(const Field &field) {
+    out_ << "<span class=\"choices\" role=\"" << (field.multiple ? "group" : "radiogroup") << '"';
+    WriteLabel(field);
+    out_ << '>';
+    if (!field.title.IsEmpty()) {
+      out_ << "<span>";
+      EscapeShown(field.title.shown);
+      out_ << "</span>";
+    }
+    ForEachOption(
+        field,
+        [&](std::string_view title) {
+          if (title.empty()) return;
+          out_ << "<b>";
+          EscapeShown(title);
+          out_ << "</b>";
+        },
+        [&](const FieldOption &option) {
+          out_ << "<label><input type=\"" << (field.multiple ? "checkbox" : "radio") << '"';
+          WriteSending(field, true);
+          WriteAttribute("value", option.value.shown);
+          if (option.selected) out_ << " checked";
+          if (option.Label().empty()) WriteAttribute("aria-label", "(no words)");
+          out_ << '>';
+          Escape(out_, option.Label());
+          out_ << "</label>";
+        },
+        [] {});
+    out_ << "</span>";
+  }
+
+  void WriteSelect(const Field &field) {
+    BeginLabel(field);
+    out_ << "<select";
+    WriteSending(field, false);
+    if (field.title.IsEmpty()) WriteLabel(field);
+    if (field.multiple) {
+      out_ << " multiple size=\"" << std::clamp<std::size_t>(field.optionCount, 1, kMostRows)
+           << '"';
+    }
+    out_ << '>';
+    ForEachOption(
+        field,
+        [&](std::string_view title) {
+          out_ << "<optgroup label=\"";
+          EscapeShown(title.empty() ? std::string_view("-") : title);
+          out_ << "\">";
+        },
+        [&](const FieldOption &option) {
+          out_ << "<option";
+          WriteAttribute("value", option.value.shown);
+          if (option.selected) out_ << " selected";
+          out_ << '>';
+          Escape(out_, option.Label());
+          out_ << "</option>";
+        },
+        [&] { out_ << "</optgroup>"; });
     out_ << "</select>";
+    EndLabel(field);
   }
 
   void WriteTitle(std::string_view title) {
+    if (title.empty()) return;
     out_ << " title=\"";
-    Escape(out_, title);
+    EscapeShown(title);
     out_ << '"';
   }
+
+  // ---------------------------------------------------------------- content
 
   void WriteRun(const Content &content, const Run &run) {
     const TextStyle &style = run.style;
@@ -379,7 +661,7 @@ class HtmlWriter : public BlockSink {
     if (style.italic) out_ << "<i>";
     if (underline) out_ << "<u>";
     if (run.image != kNone) {
-      WriteImage(content.images[run.image]);
+      WriteImage(content.images[run.image], run.link != kNone);
     } else {
       WriteText(content.TextOf(run));
     }
@@ -408,58 +690,67 @@ class HtmlWriter : public BlockSink {
     return uri;
   }
 
-  void WriteEmbedded(const Image &image, std::string_view uri) {
-    out_ << "<img src=\"" << uri << '"';
-    WriteAttribute("alt", ImageLabel(image));
-    const auto &bitmap = image.picture->bitmap;
-    if (image.width != 0 && image.height != 0) {
-      WriteSize(image.width / kTwipsPerPixel, image.height / kTwipsPerPixel);
-    } else if (bitmap) {
-      WriteSize(bitmap->width, bitmap->height);
-    }
-    out_ << '>';
-  }
-
   void WriteSize(std::size_t width, std::size_t height) {
     out_ << " width=\"" << width << "\" height=\"" << height << '"';
   }
 
-  void WriteImage(const Image &image) {
-    if (const std::string_view uri = EmbeddedSource(image); !uri.empty()) {
-      WriteEmbedded(image, uri);
-      return;
-    }
-    if (!IsSafeSource(image.source)) {
-      out_ << '[';
-      Escape(out_, image.alternative);
-      out_ << ']';
+  // The picture itself when it is at hand or may be fetched; else what it is called, which
+  // leads to it.
+  void WriteImage(const Image &image, bool inLink) {
+    const std::string_view embedded = EmbeddedSource(image);
+    const bool safe = IsSafeSource(image.source) && !image.source.empty();
+    if (embedded.empty() && (!remoteImages_ || !safe)) {
+      const bool leads = safe && !inLink;
+      out_ << (leads ? "<a" : "<span");
+      if (leads) WriteAttribute("href", EncodeTarget(image.source));
+      if (!leads && !image.source.empty()) WriteTitle(image.source);
+      out_ << ">[";
+      EscapeShown(ImageLabel(image).empty() ? std::string_view("picture") : ImageLabel(image));
+      out_ << (leads ? "]</a>" : "]</span>");
       return;
     }
     out_ << "<img src=\"";
-    Escape(out_, EncodeTarget(image.source));
-    out_ << "\" alt=\"";
-    Escape(out_, ImageLabel(image));
+    if (embedded.empty()) {
+      Escape(out_, EncodeTarget(image.source));
+    } else {
+      out_ << embedded;
+    }
     out_ << '"';
+    WriteAttribute("alt", ImageLabel(image));
     if (image.width != 0 && image.height != 0) {
       WriteSize(image.width / kTwipsPerPixel, image.height / kTwipsPerPixel);
+    } else if (!embedded.empty() && image.picture->bitmap) {
+      WriteSize(image.picture->bitmap->width, image.picture->bitmap->height);
     }
     out_ << '>';
   }
 
   Output &out_;
+  bool remoteImages_;
   std::string name_;
   const DeckParts *parts_ = nullptr;
-  std::map<std::size_t, bool> forms_;  ///< of actions, and whether they were written
-  std::size_t embedded_ = 0;           ///< bytes of pictures in the page
+  LinkReader reader_;
+  RepeatBudget repeats_;
   bool headWritten_ = false;
-  std::string_view openTag_;  ///< of the paragraph that is open, empty: none
+  std::string_view openTag_;              ///< of the paragraph that is open, empty: none
+  LinkShape shape_ = LinkShape::kAnchor;  ///< of the link that is open
+  std::size_t cards_ = 0;
+  std::size_t tables_ = 0;
+  std::size_t fields_ = 0;
+  std::size_t embedded_ = 0;  ///< bytes of pictures in the page
   std::unordered_set<std::string> ids_;
+  std::unordered_set<std::string> accessKeys_;
+  std::unordered_set<std::size_t> said_;       ///< actions whose target or values stand above
+  std::unordered_set<std::size_t> explained_;  ///< actions whose explanation stands above
+  std::map<std::size_t, Form> forms_;          ///< by action
+  std::map<std::size_t, Values> hidden_;       ///< more that forms send
+  std::unordered_map<std::string_view, const Field *> cardFields_;  ///< by variable
 };
 
 }  // namespace
 
-std::unique_ptr<BlockSink> MakeHtmlWriter(Output &output, const WriterOptions & /*options*/) {
-  return std::make_unique<HtmlWriter>(output);
+std::unique_ptr<BlockSink> MakeHtmlWriter(Output &output, const WriterOptions &options) {
+  return std::make_unique<HtmlWriter>(output, options);
 }
 
 }  // namespace vs_wml

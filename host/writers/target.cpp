@@ -46,6 +46,26 @@ struct List {
   }
 };
 
+// Why a link cannot be followed, in front of its target.
+std::string Reason(LinkOutcome outcome) {
+  switch (outcome) {
+    case LinkOutcome::kBack:
+      return "goes back";
+    case LinkOutcome::kRefresh:
+      return "shows the card anew";
+    case LinkOutcome::kNothing:
+      return "does nothing";
+    case LinkOutcome::kUnresolved:
+      return "needs a value: ";
+    case LinkOutcome::kNoCard:
+      return "no such card: ";
+    case LinkOutcome::kEmpty:
+      return "leads nowhere";
+    default:
+      return "not followed from here: ";
+  }
+}
+
 bool IsPost(const Link &link) {
   return link.action != nullptr && link.action->task.Posts();
 }
@@ -141,6 +161,24 @@ std::string LinkReader::Details(const Link &link) const {
   AddOutcome(list, link, outcome == LinkOutcome::kFollowed);
   AddValues(list, link);
   return list.text.empty() ? list.text : " (" + list.text + ')';
+}
+
+std::string LinkReader::Explanation(const Link &link, bool works) const {
+  List list;
+  if (!works) list.Add(Reason(OutcomeOf(link)) + std::string(link.target));
+  if (link.action == nullptr) return list.text;
+  const Task &task = link.action->task;
+  for (const NameValue &field : task.PostFields()) {
+    if (works) break;
+    list.Add(std::string("sends ").append(field.name.shown).append("=").append(field.value.shown));
+  }
+  for (const NameValue &variable : task.Variables()) {
+    list.Add(std::string("sets ")
+                 .append(variable.name.shown)
+                 .append(" to ")
+                 .append(variable.value.shown));
+  }
+  return list.text;
 }
 
 std::string LinkTargetText(const Link &link) {

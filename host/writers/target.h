@@ -51,6 +51,9 @@ class LinkReader {
   /// What a format that shows the target of followed links only has to say behind a link:
   /// " (POST, a=1, x:=17)", " (back)", " (javascript:x)"; empty when there is nothing.
   std::string Details(const Link &link) const;
+  /// The same in words for readers of a page: "goes back", "sets x to 17". What a form sends
+  /// is left out when `works`.
+  std::string Explanation(const Link &link, bool works) const;
 
  private:
   bool adapted_ = false;

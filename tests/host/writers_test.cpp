@@ -75,86 +75,179 @@ TEST(TextWriter, LaysOutParagraphs) {
   }
 }
 
-TEST(HtmlWriter, LinksAndIdsAreWhatAPageMayHave) {
-  const struct {
-    const char *content;
-    const char *part;  ///< stands in the page
-  } cases[] = {
-      {"<p><a href='a b|é'>x</a></p>", "<a href=\"a%20b%7C%C3%A9\">x</a>"},
-      {"<p><a href='?a=%20&amp;b=1'>x</a></p>", "<a href=\"?a=%20&amp;b=1\">x</a>"},
-      {"<p><a href='JAVA&#10;script:x'>x</a></p>",
-       "<span class=\"inert\" title=\"JAVAscript:x\">x</span>"},
-      {"<p><a href='&#1;data:x'>x</a></p>", "<span class=\"inert\" title=\"data:x\">x</span>"},
-      {"<p><anchor>x<go href='javascript:y' method='post'/></anchor></p>",
-       "<span class=\"inert\" title=\"POST javascript:y\">x</span>"},
-      {"<p><anchor>x<go href='u' method='post'><postfield name='&quot;' value='&lt;'/></go>"
-       "</anchor></p>",
-       "<input type=\"hidden\" name=\"&quot;\" value=\"&lt;\">"},
-      {"</card><card id='a b'><p>x</p>", "<section>\n<p>x</p>"},
-      {"</card><card id='k'/><card id='k'><p>x</p>", "<section>\n<p>x</p>"},
-      {"</card><card id='unwml-form-1'><p>x</p>", "<section>\n<p>x</p>"},
-      {"<p><img src='data:image/svg+xml,x' alt='&lt;'/></p>", "<p>[&lt;]</p>"},
-  };
-  for (const auto &item : cases) {
+struct PagePart {
+  std::string content;  ///< of a card
+  const char *part;     ///< stands in the page
+};
+
+void ExpectParts(std::initializer_list<PagePart> cases) {
+  for (const PagePart &item : cases) {
     const std::string page = Written(Format::kHtml, item.content);
     EXPECT_NE(page.find(item.part), std::string::npos)
         << item.content << page.substr(page.find("<body>"));
   }
 }
 
-TEST(HtmlWriter, FormsAndFieldsAreThoseOfTheDeck) {
-  const std::string send =
-      "<do type='accept' label='S'><go href='s' method='post'><postfield name='f' value='$n'/>"
-      "<postfield name='g' value='1'/></go></do>";
-  const struct {
-    std::string content;
-    const char *part;  ///< stands in the page
-  } cases[] = {
-      {"<p><input name='n' type='password' value='v' size='3' maxlength='4' title='T'/></p>",
-       "<p><input name=\"n\" aria-label=\"T\" type=\"password\" value=\"v\" size=\"3\" "
-       "maxlength=\"4\" title=\"T\"></p>"},
-      {"<p><input name='n'/></p>", "<p><input name=\"n\" aria-label=\"n\" type=\"text\"></p>"},
-      {"<p><input type='submit' value='Go'/><input type='button'/></p>",
-       "<p><input name=\"\" aria-label=\"\" type=\"button\" value=\"Go\">"
-       "<input name=\"\" aria-label=\"\" type=\"button\"></p>"},
-      {"<p><select name='n'><option value='1'>A<option value='&lt;'>B</select></p>",
-       "<p><select name=\"n\" aria-label=\"n\"><option value=\"1\" selected>A</option>"
-       "<option value=\"&lt;\">B</option></select></p>"},
-      {"<p><select title='T'><optgroup title='G'><option>A</optgroup><option>B</select></p>",
-       "aria-label=\"T\" title=\"T\"><optgroup label=\"G\"><option value=\"\" selected>A</option>"
-       "</optgroup><option value=\"\">B</option></select>"},
-      {"<p><select><option>A<optgroup title='G'><option>B</select></p>",
-       "A</option><optgroup label=\"G\"><option value=\"\">B</option></optgroup></select>"},
-      {"<p><select multiple='true'></select></p>", " multiple size=\"1\"></select>"},
-      {"<p><select multiple='true'><option/><option/></select></p>", " multiple size=\"2\">"},
-      {"<p><select multiple='true'><option/><option/><option/><option/><option/><option/><option/>"
-       "</select></p>",
-       " multiple size=\"6\">"},
-      // What a field is sent as, and by which form.
-      {"<p><input name='n'/></p>" + send,
-       "<input form=\"unwml-form-0\" name=\"f\" aria-label=\"n\" type=\"text\">"},
-      {send,
-       "<p><button form=\"unwml-form-0\">S</button></p>\n<form id=\"unwml-form-0\" action=\"s\" "
-       "method=\"post\"><input type=\"hidden\" name=\"f\" value=\"{n}\">"
-       "<input type=\"hidden\" name=\"g\" value=\"1\"></form>\n"},
-      {"<p><input name='n'/></p>" + send,
-       "method=\"post\"><input type=\"hidden\" name=\"g\" value=\"1\"></form>"},
-      {"<do><go href='s' enctype='multipart/form-data'><postfield name='a' value='b'/></go></do>",
-       "action=\"s\" method=\"get\" enctype=\"multipart/form-data\"><input type=\"hidden\""},
-      {"<do><go href='s' method='post' enctype='text/plain'/></do>", "method=\"post\"></form>"},
-      // What is no form.
-      {"<do label='L'><go href='#c' method='post'/></do>", "<a href=\"#c\" class=\"key\">L</a>"},
+TEST(HtmlWriter, LinksAndIdsAreWhatAPageMayHave) {
+  ExpectParts({
+      {"<p><a href='a b|é'>x</a></p>", "<a href=\"a%20b%7C%C3%A9\">x</a>"},
+      {"<p><a href='?a=%20&amp;b=1'>x</a></p>", "<a href=\"?a=%20&amp;b=1\">x</a>"},
+      {"</card><card id='a b'><p>x</p>", "<section>\n<h2><span class=\"own\">#a b</span></h2>"},
+      {"</card><card id='k'/><card id='k'><p>x</p>",
+       "<section>\n<h2><span class=\"own\">#k</span>"},
+      {"</card><card id='unwml-form-1'><p>x</p>", "<section>\n<h2>"},
+      {"</card><card id='k' title='T'><p>x</p>",
+       "<section id=\"k\">\n<h2><span>T</span><span class=\"own\">#k</span></h2>"},
+      {"</card><card><p>x</p>", "<h2><span class=\"own\">Card 2</span></h2>\n<p>x</p>"},
+      {"<p>x</p>", "<section>\n<p>x</p>"},
+      // What cannot be followed is no link, and says why.
+      {"<p><a href='JAVA&#10;script:x'>x</a></p>",
+       "<span class=\"inert\">x</span> <span class=\"why\">(not followed from here: JAVAscript:x)"},
+      {"<p><a href='&#1;data:x'>x</a></p>", "(not followed from here: data:x)</span>"},
+      {"<p><anchor>x<go href='javascript:y' method='post'><postfield name='a' value='b'/></go>"
+       "</anchor></p>",
+       "<span class=\"inert\">x</span> <span class=\"why\">(not followed from here: javascript:y, "
+       "sends a=b)"},
+      {"<p><a href='#none'>x</a></p>", "(no such card: #none)"},
+      {"<p><a href=''>x</a></p>",
+       "<span class=\"inert\">x</span> <span class=\"why\">(leads nowhere)"},
+      {"<p><a href='$(x).wml'>x</a></p>", "(needs a value: {x}.wml)"},
+      {"<do type='prev'><prev/></do>",
+       "<span class=\"inert key\">Back</span> <span class=\"why\">(goes back)</span>"},
+      {"<p><anchor>x<refresh><setvar name='a' value='1'/></refresh></anchor></p>",
+       "<span class=\"inert\">x</span> <span class=\"why\">(shows the card anew, sets a to 1)"},
+      {"</card><card ontimer='t'>", "<a href=\"t\" class=\"event\">On timer</a>"},
       {"<do label='L' title='T'><go href='s'/></do>",
        "<a href=\"s\" class=\"key\" title=\"T\">L</a>"},
-      {"<do type='prev'><prev/></do>", "<span class=\"inert key\" title=\"(back)\">Back</span>"},
-      {"<p><anchor>x<refresh/></anchor></p>", "<span class=\"inert\" title=\"(refresh)\">x</span>"},
-      {"</card><card ontimer='t'>", "<a href=\"t\" class=\"event\">On timer</a>"},
+      {"</card><card id='c'><do label='L'><go href='#c' method='post'/></do>",
+       "<a href=\"#c\" class=\"key\">L</a>"},
+      {"</card><card xml:lang='de'><p><a href='a' accesskey='1'>x</a><a href='b' "
+       "accesskey='1'>y</a>"
+       "<input name='n' accesskey='2'/></p>",
+       "<section lang=\"de\">\n<h2><span class=\"own\">Card 2</span></h2>\n<p><a href=\"a\" "
+       "accesskey=\"1\">x</a><a href=\"b\">y</a><input type=\"text\" name=\"n\" aria-label=\"n\" "
+       "accesskey=\"2\"></p>"},
+      // Titles and targets show what would reorder or hide them; text keeps it.
+      {"<p>a&#x202E;b</p>", "<p>a\u202Eb</p>"},
+      {"</card><card title='a&#x202E;b'>", "<h2><span>a&lt;U+202E&gt;b</span>"},
+      {"<p><a href='a&#x202E;b' title='c&#x200B;d'>x</a></p>",
+       "<a href=\"a%E2%80%AEb\" title=\"c&lt;U+200B&gt;d\">x</a>"},
+      {"<p><a href='x:&#x202E;b'>x</a></p>", "(not followed from here: x:&lt;U+202E&gt;b)"},
+  });
+}
+
+TEST(HtmlWriter, PagesAskNobodyForPictures) {
+  const char *const content =
+      "<p><img src='http://h/a.png' alt='A'/><img src='//h/b'/><a href='u'><img src='c.wbmp'/></a>"
+      "<img src='data:image/svg+xml,x' alt='&lt;'/></p>";
+  const std::string page = Written(Format::kHtml, content);
+  EXPECT_NE(page.find("<p><a href=\"http://h/a.png\">[A]</a><a href=\"//h/b\">[b]</a>"
+                      "<a href=\"u\"><span title=\"c.wbmp\">[c.wbmp]</span></a>"
+                      "<span title=\"data:image/svg+xml,x\">[&lt;]</span></p>"),
+            std::string::npos)
+      << page.substr(page.find("<body>"));
+  EXPECT_NE(page.find("img-src data:;"), std::string::npos);
+  EXPECT_NE(page.find("<meta name=\"referrer\" content=\"no-referrer\">"), std::string::npos);
+  WriterOptions options;
+  options.remoteImages = true;
+  const std::string fetching = Written(Format::kHtml, content, options);
+  EXPECT_NE(fetching.find("<p><img src=\"http://h/a.png\" alt=\"A\"><img src=\"//h/b\" alt=\"b\">"
+                          "<a href=\"u\"><img src=\"c.wbmp\" alt=\"c.wbmp\"></a><span "),
+            std::string::npos)
+      << fetching.substr(fetching.find("<body>"));
+}
+
+TEST(HtmlWriter, FieldsAreThoseOfTheDeck) {
+  const auto options = [](int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += "<option>A</option>";
+    return text;
   };
-  for (const auto &item : cases) {
-    const std::string page = Written(Format::kHtml, item.content);
-    EXPECT_NE(page.find(item.part), std::string::npos)
-        << item.content << page.substr(page.find("<body>"));
-  }
+  ExpectParts({
+      {"<p><input name='n' type='password' value='v' size='3' maxlength='4' title='T'/></p>",
+       "<p><label>T <input type=\"password\" name=\"n\" value=\"v\" size=\"3\" maxlength=\"4\">"
+       "</label></p>"},
+      {"<p><input name='n' format='4N'/></p>",
+       "<p><input type=\"text\" name=\"n\" aria-label=\"n\" title=\"format 4N\"></p>"},
+      {"<p><input type='submit' value='Go'/><input type='button'/></p>",
+       "<p><input type=\"button\" value=\"Go\"><input type=\"button\" aria-label=\"Field 2\"></p>"},
+      {"<p><select name='n'><option value='1'>A<option value='&lt;'>B</select></p>",
+       "<span class=\"choices\" role=\"radiogroup\" aria-label=\"n\"><label><input type=\"radio\" "
+       "name=\"unwml-field-1\" value=\"1\" checked>A</label><label><input type=\"radio\" "
+       "name=\"unwml-field-1\" value=\"&lt;\">B</label></span>"},
+      {"<p><select multiple='true' title='T'><optgroup title='G'><option>A</optgroup><option>B"
+       "</select></p>",
+       "<span class=\"choices\" role=\"group\" "
+       "aria-label=\"T\"><span>T</span><b>G</b><label><input "
+       "type=\"checkbox\" name=\"unwml-field-1\" value=\"\">A</label><label>"},
+      {"<p><select multiple='true'></select></p>",
+       "<select aria-label=\"Field 1\" multiple size=\"1\"></select>"},
+      {"<p><select name='n' title='T'><optgroup title='G'>" + options(13) +
+           "</optgroup></select></p>",
+       "<label>T <select name=\"n\"><optgroup label=\"G\"><option value=\"\" selected>A</option>"},
+  });
+}
+
+TEST(HtmlWriter, EachButtonSendsWhatIsTyped) {
+  const auto send = [](const std::string &address, const std::string &rest,
+                       const std::string &method = "post") {
+    return "<do label='S'><go href='" + address + "' method='" + method +
+           "'><postfield name='f' value='$n'/>" + rest + "</go></do>";
+  };
+  const std::string one = "<postfield name='g' value='1'/>";
+  const std::string two = one + "<postfield name='h' value='&lt;'/>";
+  const std::string input = "<p><input name='n'/></p>";
+  ExpectParts({
+      {input + send("s", ""),
+       "<input type=\"text\" form=\"unwml-form-0\" name=\"f\" aria-label=\"n\">"},
+      {input + send("s", one),
+       "<button form=\"unwml-form-0\" name=\"g\" value=\"1\">S</button></p>\n"
+       "<form id=\"unwml-form-0\" action=\"s\" method=\"post\"></form>"},
+      {input + send("s", two),
+       "<button form=\"unwml-form-0\">S</button></p>\n<form id=\"unwml-form-0\" action=\"s\" "
+       "method=\"post\"><input type=\"hidden\" name=\"g\" value=\"1\"><input type=\"hidden\" "
+       "name=\"h\" value=\"&lt;\"></form>"},
+      // Several buttons share a field as long as what else they send allows it.
+      {input + send("s", one) +
+           "<do name='2' label='R'><go href='r?q=2'><postfield name='f' "
+           "value='$n'/></go></do>",
+       "<button form=\"unwml-form-0\" formaction=\"r\" formmethod=\"get\" name=\"q\" "
+       "value=\"2\">R"},
+      {input + send("s", one) +
+           "<do name='2' label='R'><go href='r'><postfield name='f' "
+           "value='$n'/></go></do>",
+       "<button form=\"unwml-form-0\" formaction=\"r\" formmethod=\"get\">R</button>"},
+      {input + send("s", two) +
+           "<do name='2' label='R'><go href='r'><postfield name='q' "
+           "value='$n'/></go></do>",
+       "<label>n <input type=\"text\" form=\"unwml-form-1\" name=\"q\" "
+       "placeholder=\"{n}\"></label> "
+       "<button form=\"unwml-form-1\">R</button>"},
+      // What nothing gives is asked for.
+      {send("s", ""),
+       "<label>n <input type=\"text\" form=\"unwml-form-0\" name=\"f\" "
+       "placeholder=\"{n}\"></label> "
+       "<button form=\"unwml-form-0\">S</button>"},
+      {"<p><anchor>x<go href='s?a=1%202&amp;q=$q#z'/></anchor></p>",
+       "<label>q <input type=\"text\" form=\"unwml-form-0\" name=\"q\" "
+       "placeholder=\"{q}\"></label> "
+       "<button form=\"unwml-form-0\" name=\"a\" value=\"1 2\">x</button></p>\n"
+       "<form id=\"unwml-form-0\" action=\"s\" method=\"get\"></form>"},
+      {"<do><go href='s' enctype='multipart/form-data' method='post'/></do>",
+       "method=\"post\" enctype=\"multipart/form-data\"></form>"},
+      {"<do><go href='s' method='post' enctype='text/plain'/></do>", "method=\"post\"></form>"},
+  });
+}
+
+// The target of a link over many paragraphs is written while that stays in proportion.
+TEST(HtmlWriter, LongTargetsAreReferredTo) {
+  const std::string target(1000, 'u');
+  std::string content = "<p><a href='" + target + "'>";
+  for (int i = 0; i < 1000; ++i) content += "x<br/>";
+  const std::string page = Written(Format::kHtml, content + "</a></p>");
+  EXPECT_LT(page.size(), 200000U);
+  EXPECT_NE(page.find("<a href=\"" + target + "\" id=\"unwml-link-0\">x</a>"), std::string::npos);
+  EXPECT_NE(page.find("<a href=\"#unwml-link-0\">x</a>"), std::string::npos);
 }
 
 // The action of a template stands in each card; its form, once in the page.
@@ -183,7 +276,7 @@ TEST(HtmlWriter, TextAndTablesHaveTheirLooks) {
        "<p>a<span class=\"big\">b</span><span class=\"small\">c</span><b><i><u>d</u></i></b></p>"},
       {"<p><a href='x'><u>a</u></a></p>", "<p><a href=\"x\">a</a></p>"},
       {"<p align='right'>a<br/>b</p><p>c</p>", "<p class=\"r\">a<br>\nb</p>\n<p>c</p>"},
-      {"<pre>a\n  b</pre>", "<pre>\na\n  b</pre>"},
+      {"<pre>a\n  b</pre>", "<pre tabindex=\"0\">\na\n  b</pre>"},
       {"<p align='center'>a</p>", "<p class=\"c\">a</p>"},
       {"<p><b>a</b>&lt;&gt;&amp;&quot;&apos;</p>", "<p><b>a</b>&lt;&gt;&amp;&quot;&#39;</p>"},
   };

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""browser_test.py UNWML OUTPUT: looks at unwml's HTML in headless Chromium.
+"""browser_test.py UNWML OUTPUT [AXE]: looks at unwml's HTML in headless Chromium.
 
-Opens the cases of tests/host and the example decks, follows a link to another card,
-takes a screenshot of each page into OUTPUT and tries to run scripts. Needs the Debian
-packages chromium, chromium-driver and tidy.
+Opens the cases of tests/host and the example decks, counts what they ask for, follows a link
+to another card, takes a screenshot of each page into OUTPUT and tries to run scripts. AXE is
+the script of axe-core, which looks for what shuts readers out. Needs the Debian packages
+chromium, chromium-driver and tidy.
 """
 import base64
 import contextlib
@@ -50,7 +51,7 @@ class Browser:
             "/session",
             {"capabilities": {"alwaysMatch": {
                 "goog:chromeOptions": {"args": arguments},
-                "goog:loggingPrefs": {"browser": "ALL"},
+                "goog:loggingPrefs": {"performance": "ALL"},
                 "unhandledPromptBehavior": "ignore"}}},
         )
         self.session = f"/session/{session['sessionId']}"
@@ -71,6 +72,12 @@ class Browser:
     def click(self, text):
         element = self.do("/element", using="link text", value=text)
         self.do(f"/element/{next(iter(element.values()))}/click")
+
+    def requests(self):
+        """The addresses that were asked for since the last call."""
+        messages = [json.loads(entry["message"])["message"] for entry in self.do("/se/log", type="performance")]
+        return [message["params"]["request"]["url"] for message in messages
+                if message["method"] == "Network.requestWillBeSent"]
 
     def has_alert(self):
         try:
@@ -99,6 +106,11 @@ for (const element of document.querySelectorAll('*'))
           .test(element.href || element.src || '')) count++;
 return count;
 """
+AXE = """;
+const done = arguments[arguments.length - 1];
+axe.run().then(result => done(result.violations.map(rule => rule.id + ': ' + rule.nodes[0].html)),
+               error => done([String(error)]));
+"""
 INJECT = """
 const script = document.createElement('script');
 script.textContent = 'window.injected = 1';
@@ -110,8 +122,14 @@ document.body.append(image);
 """
 
 
-def look(browser, page, screenshots):
+def look(browser, page, screenshots, axe):
+    browser.requests()
     browser.do("/url", url=page.as_uri())
+    strangers = [url for url in browser.requests() if not url.startswith(("data:", page.as_uri()))]
+    check(not strangers, f"{page.name}: asks for {strangers}")
+    if axe:
+        found = browser.do("/execute/async", script=axe + AXE, args=[])
+        check(not found, f"{page.name}: {found}")
     browser.screenshot(screenshots / f"{page.stem}.png")
     check((screenshots / f"{page.stem}.png").stat().st_size > 1000, f"{page.name}: screenshot")
     check(browser.run(SCRIPTS) == 0, f"{page.name}: holds a script")
@@ -122,8 +140,27 @@ def look(browser, page, screenshots):
     check(browser.run("return window.injected === undefined"), f"{page.name}: a script ran")
 
 
+STRANGERS = """<wml><card title="T"><p><img src="http://127.0.0.1:9/a.png" alt="a"/><img src="//127.0.0.1/b.png" alt="b"/>
+<img src="c.wbmp" alt="c"/><img src="/d.png" alt="d"/><a href="http://127.0.0.1:9/"><img src="http://127.0.0.1:9/e"/></a>
+<img src="\\\\127.0.0.1\\f.png" alt="f"/></p></card></wml>"""
+
+
+def ask_nobody(browser, unwml, output):
+    """A page asks for nothing, unless it is to fetch pictures."""
+    for name, options, least in (("strangers", [], 0), ("fetched", ["--remote-images"], 3)):
+        page = output / f"{name}.html"
+        written = subprocess.run([unwml, "-t", "html", *options], input=STRANGERS, text=True,
+                                 capture_output=True, check=True)
+        page.write_text(written.stdout)
+        browser.requests()
+        browser.do("/url", url=page.as_uri())
+        asked = [url for url in browser.requests() if url != page.as_uri()]
+        check(len(asked) >= least and bool(asked) == bool(least), f"{name}: asks for {asked}")
+
+
 def main():
     unwml, output = sys.argv[1], pathlib.Path(sys.argv[2]).resolve()
+    axe = pathlib.Path(sys.argv[3]).read_text() if len(sys.argv) > 3 else ""
     output.mkdir(parents=True, exist_ok=True)
     decks = [*ROOT.glob("tests/host/cases/*.wml"), *ROOT.glob("examples/decks/*.wml")]
     for deck in decks:
@@ -131,15 +168,16 @@ def main():
         with page.open("wb") as file:
             subprocess.run([unwml, "-t", "html", deck], stdout=file, check=True)
         tidy = subprocess.run(["tidy", "-q", "-e", page], capture_output=True, text=True)
-        check(tidy.returncode < 2, f"{page.name}: tidy: {tidy.stderr}")
+        check(tidy.returncode == 0, f"{page.name}: tidy: {tidy.stderr}")
 
     browser = Browser()
     try:
         for deck in decks:
-            look(browser, output / f"{deck.stem}.html", output)
+            look(browser, output / f"{deck.stem}.html", output, axe)
+        ask_nobody(browser, unwml, output)
         browser.do("/url", url=(output / "menu.html").as_uri())
         browser.click("Prices")
-        where = browser.run("return [location.hash, document.querySelector(':target h2').innerText]")
+        where = browser.run("return [location.hash, document.querySelector(':target h2 span').innerText]")
         check(where == ["#prices", "Prices"], f"a link to a card leads to {where}")
     finally:
         browser.close()

@@ -1,0 +1,36 @@
+/// \file
+/// How often a long value may be written again.
+///
+/// SPDX-License-Identifier: MIT
+#ifndef VS_WML_HOST_WRITERS_REPEAT_BUDGET_H
+#define VS_WML_HOST_WRITERS_REPEAT_BUDGET_H
+
+#include <cstddef>
+
+namespace vs_wml {
+
+/// A value with many users, such as the target of a link that goes on over paragraphs, is
+/// written again as long as all that is written again stays in proportion to what was written
+/// for the first time. Ordinary documents never come near the bound.
+class RepeatBudget {
+ public:
+  /// Shorter values are not worth a reference.
+  static constexpr std::size_t kShort = 64;
+
+  /// So many bytes were written for the first time.
+  void Earn(std::size_t bytes) { left_ += bytes * kRepeats; }
+  /// Whether so many bytes may be written again.
+  bool Spend(std::size_t bytes) {
+    if (bytes > left_) return false;
+    left_ -= bytes;
+    return true;
+  }
+
+ private:
+  static constexpr std::size_t kRepeats = 8;
+  std::size_t left_ = 65536;
+};
+
+}  // namespace vs_wml
+
+#endif  // VS_WML_HOST_WRITERS_REPEAT_BUDGET_H
