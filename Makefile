@@ -28,12 +28,13 @@ demo: configure ## read a shipped deck
 test: build ## build and run all tests
 	@ctest --preset $(PRESET) -j $(JOBS)
 
-test-all: build ## the tests that need more: browsers, viewers of Markdown
+test-all: build ## the tests that need more: browsers, viewers of Markdown, archives of others
 	@scripts/install-deps test-all
 	@tests/markdown/viewers_test.py $(BUILD)/unwml/unwml --all
 	@npm install --silent --no-save --prefix $(BUILD)/npm axe-core@4
 	@tests/html/browser_test.py $(BUILD)/unwml/unwml $(BUILD)/pages \
 	  $(BUILD)/npm/node_modules/axe-core/axe.min.js
+	@tests/archives/oracles.py $(BUILD)/tests/archives/list_documents $(BUILD)/oracles
 
 bench: ## measure; prints the tables of docs/performance.md
 	@scripts/install-deps build
