@@ -2,11 +2,18 @@
 """Makes the seeds of the fuzz targets from the test cases.
 
     make_corpus.py OUT CASES...     OUT/filter, OUT/savedata, OUT/short_cuts, OUT/unwml,
-                                    OUT/adapter and OUT/wmlc
+                                    OUT/adapter, OUT/wmlc, OUT/archive and OUT/http
 """
+import base64
+import gzip
+import io
+import json
 import pathlib
 import re
 import sys
+import tarfile
+import zipfile
+import zlib
 
 IDENTITIES = [1151, 1163, 1160, 1161, 1159, 1154, 1155, 1156, 1162, 1157, 1158]
 SAVE_SIZE = 516
@@ -44,10 +51,93 @@ BINARY = {
 }
 
 
+DECK = b"<wml><card title='One'><p>one</p></card></wml>"
+
+
+def warc(body, length=0):
+    http = b"HTTP/1.1 200 OK\r\nContent-Type: text/vnd.wap.wml\r\n\r\n" + body
+    return (b"WARC/1.0\r\nWARC-Type: response\r\nWARC-Target-URI: http://a.example/\r\n"
+            b"Content-Type: application/http\r\nContent-Length: %d\r\n\r\n%s\r\n\r\n"
+            % (len(http) + length, http))
+
+
+def arc(body):
+    http = b"HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n" + body
+    head = b"1 0 x\nURL IP-address Archive-date Content-type Archive-length\n"
+    return (b"filedesc://a 0.0.0.0 20020304050607 text/plain %d\n%s\n" % (len(head), head) +
+            b"http://a.example/ 192.0.2.1 20020304050607 text/html %d\n%s\n" % (len(http), http))
+
+
+def bundles():
+    packed = io.BytesIO()
+    with zipfile.ZipFile(packed, "w") as bundle:
+        bundle.writestr("a.wml", DECK)
+        bundle.writestr("b.warc.gz", gzip.compress(warc(DECK), mtime=0))
+    yield "zip", packed.getvalue()
+    packed = io.BytesIO()
+    with tarfile.open(fileobj=packed, mode="w") as bundle:
+        member = tarfile.TarInfo("a.wml")
+        member.size = len(DECK)
+        bundle.addfile(member, io.BytesIO(DECK))
+    yield "tar", packed.getvalue()
+    yield "tar.gz", gzip.compress(packed.getvalue(), mtime=0)
+
+
+def archives():
+    """Seeds of the archive target: a byte for the name, one for the size of pieces, the archive."""
+    yield "warc", 1, warc(DECK) + warc(DECK, -1) + warc(DECK, 40) + warc(DECK)
+    yield "warc.gz", 3, b"".join(gzip.compress(warc(DECK), mtime=0) for _ in range(3))
+    yield "whole.gz", 3, gzip.compress(warc(DECK) * 2, mtime=0)
+    yield "arc", 2, arc(DECK)
+    yield "arc.gz", 5, gzip.compress(arc(DECK), mtime=0)
+    for name, bundle in bundles():
+        yield name, 0, bundle
+    content = {"mimeType": "text/html", "text": DECK.decode(), "size": 50}
+    encoded = {"mimeType": "text/vnd.wap.wml", "text": base64.b64encode(DECK).decode(),
+               "encoding": "base64"}
+    log = {"entries": [{"request": {"url": "http://a.example/"}, "startedDateTime": "2002",
+                        "response": {"status": 200, "content": each}}
+                       for each in (content, encoded)]}
+    yield "har", 6, json.dumps({"log": log}).encode()
+    part = b"Content-Type: text/vnd.wap.wml\r\nContent-Location: http://a.example/\r\n"
+    mail = (b"--x\r\n" + part + b"\r\n" + DECK + b"\r\n--x\r\n" + part +
+            b"Content-Transfer-Encoding: base64\r\n\r\n" + base64.b64encode(DECK) + b"\r\n--x--\r\n")
+    yield "parts", 7, mail
+    yield "mail", 7, (b"MIME-Version: 1.0\r\nContent-Type: multipart/related; boundary=x\r\n\r\n" +
+                      mail)
+    yield "mbox", 7, b"From a\nMIME-Version: 1.0\nContent-Type: text/vnd.wap.wml\n\n" + DECK
+
+
+def responses():
+    chunks = b"10\r\n" + DECK[:16] + b"\r\n%x\r\n" % len(DECK[16:]) + DECK[16:] + b"\r\n0\r\n\r\n"
+    packed = gzip.compress(DECK, mtime=0)
+    yield "plain", b"Content-Length: 46", DECK
+    yield "chunked", b"Transfer-Encoding: chunked", chunks
+    yield "gzip", b"Content-Encoding: gzip", packed
+    yield "deflate", b"Content-Encoding: deflate", zlib.compress(DECK)
+    yield "both", b"Content-Encoding: br, gzip\r\nTransfer-Encoding: chunked", b"%x\r\n" % len(
+        packed) + packed + b"\r\n0\r\n\r\n"
+
+
+def write_seeds(out):
+    for name, number, archive in archives():
+        for piece in (16, 255):
+            write(out, "archive", f"{name}-{piece}", bytes([number, piece]) + archive)
+    for name, fields, body in responses():
+        write(out, "http", name, b"HTTP/1.1 200 OK\r\n" + fields + b"\r\n\r\n" + body)
+
+
+def write(out, target, name, seed):
+    folder = pathlib.Path(out) / target
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / name).write_bytes(seed)
+
+
 def main(out, *cases):
     paths = sorted(path for folder in cases for path in pathlib.Path(folder).glob("*.wml"))
     if not paths:
         sys.exit("no cases in " + " ".join(cases))
+    write_seeds(out)
     for targets, found in BINARY.items():
         for target in targets:
             folder = pathlib.Path(out) / target
