@@ -80,10 +80,9 @@ void ReadAt(std::istream &stream, std::uint64_t offset, ReadContext &context,
     const auto decoder = IsGzip(beginning) ? MakeInflater(DeflateWrapper::kGzip)
                                            : MakeZstdDecoder(DictionaryIn(dictionary));
     dialect = DialectOf(DecodeWhole(*decoder, beginning, kKindProbe, false).bytes);
-  } else if (!beginning.empty() && !IsWhiteSpace(beginning[0]) &&
-             (before == 0 || !IsLetter(before))) {
-    // The rest of an ARC's line would look like one.
+  } else if (!beginning.empty() && !IsWhiteSpace(beginning[0])) {
     dialect = DialectOf(beginning);
+    if (dialect != nullptr && dialect->isAmbiguous && IsLetter(before)) dialect = nullptr;
   }
   if (dialect == nullptr) {
     context.Lose(place, offset, "no record starts here");

@@ -67,7 +67,10 @@ class BlockHolder : public BlockTaker {
   bool IsOver() const { return size_ > held_.size(); }
   const HttpHead &Http() const { return http_; }
   std::string_view Block() const { return held_; }
-  std::string_view Body() const { return std::string_view(held_).substr(bodyAt_); }
+  std::string_view Body() const {
+    // Bytes that were taken back may have been of the head.
+    return std::string_view(held_).substr(std::min(bodyAt_, held_.size()));
+  }
 
  private:
   enum class State { kBegin, kHead, kHeld, kPassed };

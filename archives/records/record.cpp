@@ -205,8 +205,8 @@ RecordHead ParseArc(std::string_view header) {
 
 }  // namespace
 
-const RecordDialect kWarcDialect = {MatchWarc, HeaderLength, ParseWarc, FindWarc, 2};
-const RecordDialect kArcDialect = {MatchArc, ArcHeaderLength, ParseArc, FindArc, 1};
+const RecordDialect kWarcDialect = {MatchWarc, HeaderLength, ParseWarc, FindWarc, 2, false};
+const RecordDialect kArcDialect = {MatchArc, ArcHeaderLength, ParseArc, FindArc, 1, true};
 
 const RecordDialect *DialectOf(std::string_view beginning) {
   beginning.remove_prefix(SkipWhiteSpace(beginning, 0));

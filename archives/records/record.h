@@ -43,6 +43,8 @@ struct RecordDialect {
   /// npos: nowhere.
   std::size_t (*findStart)(std::string_view bytes, std::size_t from);
   std::size_t blankLines;  ///< line ends that close a record
+  /// Whether the rest of a start may look like one.
+  bool isAmbiguous;
 };
 
 extern const RecordDialect kWarcDialect;

@@ -244,6 +244,7 @@ bool RecordReader::Behind(End end) {
   }
   const Start start = dialect_.match(rest, end != End::kOpen);
   if (start == Start::kMoreBytes) return false;
+  if (start == Start::kYes && lines == 0 && dialect_.isAmbiguous && FindSwallowed()) return true;
   if (start == Start::kNo && lines < dialect_.blankLines) {
     if (FindSwallowed()) return true;
     scanned_ = at_;

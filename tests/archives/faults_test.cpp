@@ -139,6 +139,31 @@ TEST(Faults, OfLengthsInMembersAreRepaired) {
   }
 }
 
+TEST(Faults, OfLengthsInAnArcAreRepaired) {
+  const std::string block = Http("Content-Type: text/html\r\n", kDeck);
+  for (const int error : {-20, -1, 1, 2, 5, 30}) {
+    SCOPED_TRACE(error);
+    const std::string right = ArcRecord("http://a.example/1", "text/html", block);
+    const std::string length = ' ' + std::to_string(block.size()) + '\n';
+    const std::string wrong =
+        Edited(right, length, ' ' + std::to_string(static_cast<int>(block.size()) + error) + '\n');
+    const Found found =
+        Push(ArcHead() + wrong + ArcRecord("http://a.example/2", "text/html", block), "a.arc", 20);
+    ASSERT_EQ(found.documents.size(), 2U) << found.Said();
+    EXPECT_EQ(found.documents[0].uri, "http://a.example/1");
+    EXPECT_EQ(found.documents[1].uri, "http://a.example/2");
+    EXPECT_FALSE(found.summary.lost);
+  }
+}
+
+// The head of HTTP that is taken for the whole block belongs to the next record in part.
+TEST(Faults, OfLengthsMayReachIntoHeads) {
+  WarcRecord record = At("u:1", 60);
+  record.block = "HTTP/1.1 200 OK\r\nContent-Type: text/html";
+  const Found found = Push(Warc(record) + Warc(At("u:2")), "a.warc", 20);
+  EXPECT_EQ(found.summary.Line(), "2 records: 1 decks, 1 skipped, 0 damaged");
+}
+
 TEST(Faults, InOneMemberLeaveTheOthers) {
   const std::vector<std::string> members = {Gzip(Warc(At("u:1"))), Gzip(Warc(At("u:2"))),
                                             Gzip(Warc(At("u:3")))};
