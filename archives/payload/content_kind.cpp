@@ -42,7 +42,8 @@ bool IsBundle(std::string_view bytes) {
                                                 "7zXZ\0"sv};
   return std::any_of(std::begin(kMarks), std::end(kMarks),
                      [&](std::string_view mark) { return bytes.starts_with(mark); }) ||
-         (bytes.starts_with("BZh") && bytes.substr(4, 6) == "\x31\x41\x59\x26\x53\x59") ||
+         (bytes.starts_with("BZh") && bytes.size() > 4 &&
+          bytes.substr(4, 6) == "\x31\x41\x59\x26\x53\x59") ||
          IsTar(bytes);
 }
 

@@ -85,6 +85,22 @@ TEST(Bundles, DoNotExplode) {
   EXPECT_TRUE(found.summary.lost);
 }
 
+// The first bytes tell the kind, however few of them there are.
+TEST(Bundles, MayBeCutInTheirMarks) {
+  const std::string bundles[] = {Bundle("zip", "", {{"a", kDeck}}),
+                                 Bundle("7z", "", {{"a", kDeck}}),
+                                 Bundle("tar", "bzip2", {{"a", kDeck}}),
+                                 Bundle("tar", "xz", {{"a", kDeck}}),
+                                 Gzip(kDeck),
+                                 Zstd(kDeck)};
+  for (const std::string &bundle : bundles) {
+    EXPECT_TRUE(LooksLikeArchive(bundle, "x"));
+    for (std::size_t size = 0; size < 20; ++size) {
+      EXPECT_EQ(Read(bundle.substr(0, size), "x").documents.size(), 0U);
+    }
+  }
+}
+
 TEST(Bundles, ThatAreCutSaySo) {
   for (const char *format : {"zip", "tar", "7z"}) {
     const std::string bundle = Bundle(format, "", {{"a.wml", kDeck}, {"b.wml", kDeck}});
