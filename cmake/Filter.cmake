@@ -70,7 +70,7 @@ target_compile_options(vs_wml PRIVATE -falign-functions=64)
 # runtime is an undefined symbol then.
 set(CMAKE_CXX_IMPLICIT_LINK_LIBRARIES "")
 set_target_properties(vs_wml PROPERTIES LINKER_LANGUAGE C VERSION 1.${PROJECT_VERSION} SOVERSION 1)
-target_link_options(vs_wml PRIVATE -Wl,-z,relro,-z,now)
+vs_wml_harden(vs_wml)
 if(NOT VS_WML_SANITIZE) # a sanitizer's symbols come from the program that loads the library
   target_link_options(vs_wml PRIVATE -Wl,--no-undefined)
 endif()
