@@ -324,6 +324,30 @@ TEST(Slots, HaveAPlaceEachAndNoneBeyond) {
   EXPECT_EQ(field[117], Erase(SODummy));
 }
 
+// SODummy has the type of no slot that is called: another routine is called for it.
+TEST(Slots, CallNoRoutineOfAnotherType) {
+  BlockSource source("<wml><card>x");
+  Host host;
+  Session session(source, host);
+  const WmlProc &instance = *session.Instance();
+  for (const std::int16_t slot :
+       {SLOT_EMIT_CHAR,           SLOT_EMIT_CONTROL_CODE, SLOT_SET_CHAR_SIZE,
+        SLOT_EMIT_BREAK,          SLOT_DECLARE_SECTION,   SLOT_ABORT_STREAM,
+        SLOT_SELECT_FONT_NUMBER,  SLOT_SELECT_FONT_NAME,  SLOT_OPEN_FONT_LIST,
+        SLOT_ADD_FONT_LIST_ENTRY, SLOT_CLOSE_FONT_LIST,   SLOT_OPEN_TABLE,
+        SLOT_CLOSE_TABLE,         SLOT_INSERT_GRAPHIC,    SLOT_OPEN_LINK,
+        SLOT_CLOSE_LINK,          SLOT_STORE_STRING,      SLOT_DESCRIBE_ROW,
+        SLOT_SET_TEXT_COLOR,      SLOT_SWITCH_CHARSET,    SLOT_OPEN_REFERENCE,
+        SLOT_DESCRIBE_CELL,       SLOT_SET_PROPERTY}) {
+    const std::uint8_t place = SLOT_FIELDS.of[slot];
+    for (const VwRoutine empty : {VwRoutine{nullptr}, Erase(SODummy)}) {
+      VwSetSoRtn(slot, empty, session.Instance());
+      EXPECT_EQ(instance.routines.field[place], Erase(SODummy)) << slot;
+      EXPECT_NE(instance.calls.field[place], Erase(SODummy)) << slot;
+    }
+  }
+}
+
 TEST(Slots, AreEmptiedByNull) {
   BlockSource source("<wml><card>x");
   Host host;

@@ -10,7 +10,7 @@
 // Calls the routine in a slot with its own arguments and the two user words.
 template <typename Routine, VwSlot slot, typename... Arguments>
 inline uint32_t CallHost(const WmlProc *proc, Arguments... arguments) {
-  const auto routine = reinterpret_cast<Routine>(proc->routines.field[SLOT_FIELDS.of[slot]]);
+  const auto routine = reinterpret_cast<Routine>(proc->calls.field[SLOT_FIELDS.of[slot]]);
   return routine(arguments..., proc->userData1, proc->userData2);
 }
 

@@ -129,6 +129,7 @@ struct WmlProc {
   bool tablesAscend;           // tableArray is sorted by filePos
   ScratchBlock *spareStrings;  // scratch strings to hand out again
   SoRoutineTable routines;
+  SoRoutineTable calls;  // what is called for each of them, see EmptyRoutine
   VwUserWord userData1;
   VwUserWord userData2;
 };
