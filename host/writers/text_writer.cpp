@@ -15,6 +15,9 @@ namespace {
 
 constexpr std::string_view kRule = "\xE2\x94\x80";  // ─
 constexpr std::size_t kColumnGap = 2;
+// A column of a table that does not fit as it is is no narrower than this part of the line: the
+// rest of the row is blank beside a long word.
+constexpr std::size_t kLinePart = 20;
 constexpr std::size_t kMostLines = 48;  // of a picture that is drawn
 
 enum StyleBit : std::uint8_t { kBold = 1, kItalic = 2, kUnderline = 4, kLinked = 8 };
@@ -323,6 +326,7 @@ class TextWriter : public BlockSink {
 
   void FlattenCells(const Table &table);
   std::vector<std::size_t> ColumnsOf(const Table &table) const;
+  void WriteCells(const Row &row);
   void BreakCell(const CellText &cell, std::size_t width);
   void WriteRow(const Table &table, const Row &row, const std::vector<std::size_t> &columns);
   // Out of line, which leaves it the registers.
@@ -352,7 +356,9 @@ void TextWriter::TakeTable(const Table &table) {
   FlattenCells(table);
   blank_ = written_;
   const std::vector<std::size_t> columns = ColumnsOf(table);
-  for (const Row &row : table.rows) WriteRow(table, row, columns);
+  for (const Row &row : table.rows) {
+    columns.empty() ? WriteCells(row) : WriteRow(table, row, columns);
+  }
 }
 
 void TextWriter::FlattenCells(const Table &table) {
@@ -373,6 +379,7 @@ void TextWriter::FlattenCells(const Table &table) {
 
 // Widths of the columns in characters: as wide as their content where that fits, else
 // the room shared in proportion, no narrower than the longest word while that is possible.
+// None when there is no room for columns that can be read.
 std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
   std::vector<std::size_t> natural;
   std::vector<std::size_t> least;
@@ -394,7 +401,8 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
   for (const std::size_t columns : natural) wanted += columns;
   if (wanted <= room) return natural;
 
-  const std::size_t fair = std::max<std::size_t>(room / natural.size(), 1);
+  const std::size_t fair = room / natural.size();
+  if (fair * kLinePart < gaps + room) return {};
   for (const Row &row : table.rows) {
     for (std::size_t column = 0; column < row.cellCount; ++column) {
       const CellText &cell = cells_[row.firstCell + column];
@@ -417,6 +425,20 @@ std::vector<std::size_t> TextWriter::ColumnsOf(const Table &table) const {
     least[column] = std::max<std::size_t>(least[column] + left * lack / lacking, 1);
   }
   return least;
+}
+
+// Writes each cell of a row in lines of its own, those behind the first indented.
+void TextWriter::WriteCells(const Row &row) {
+  for (std::size_t column = 0; column < row.cellCount; ++column) {
+    const CellText &cell = cells_[row.firstCell + column];
+    const std::size_t indent = column == 0 ? 0 : kColumnGap;
+    lines_.clear();
+    BreakLines(flat_.text, cell.begin, cell.end, width_ - std::min(width_, indent),
+               LongWords::kKeep, lines_, cellKind_);
+    for (const Line &line : lines_) {
+      if (line.begin != line.end) WriteLine(line, indent);
+    }
+  }
 }
 
 // Appends the lines of a cell to lines_.

@@ -39,6 +39,24 @@ TEST(TextWriter, LaysOutTables) {
   }
 }
 
+// Where columns would be too narrow to read, each cell has lines of its own: beside a long word
+// the lines of a row would be blank.
+TEST(TextWriter, SetsCellsBelowEachOtherWhereColumnsHaveNoRoom) {
+  const std::string word(1000, 'x');
+  std::string row = "<tr>";
+  for (int column = 0; column < 30; ++column) row += "<td>y";
+  EXPECT_EQ(
+      Written(Format::kText, "<table columns='32'>" + row + "<td>" + word +
+                                 "<td>z</tr><tr><td>a<td/><td>b c</table>"),
+      "y\n" +
+          [] {
+            std::string rest;
+            for (int column = 1; column < 30; ++column) rest += "  y\n";
+            return rest;
+          }() +
+          "  " + word + "\n  z\na\n  b c\n");
+}
+
 TEST(TextWriter, LaysOutParagraphs) {
   const struct {
     bool color;
