@@ -170,28 +170,36 @@ class MailReader {
       context_.Damage(place_, std::nullopt, number, "its parts nest too deep");
       return;
     }
-    const std::string prefix = number.empty() ? number : number + '.';
     if (GMIME_IS_MULTIPART(object)) {
-      auto *const parts = reinterpret_cast<GMimeMultipart *>(object);
-      const int count = g_mime_multipart_get_count(parts);
-      for (int i = 0; i < count; ++i) {
-        Walk(g_mime_multipart_get_part(parts, i), prefix + std::to_string(i + 1), depth + 1);
-      }
-      if (count == 0) context_.Damage(place_, std::nullopt, number, "has no parts");
+      WalkParts(reinterpret_cast<GMimeMultipart *>(object), number, depth);
     } else if (GMIME_IS_MESSAGE_PART(object)) {
-      GMimeMessage *const message =
-          g_mime_message_part_get_message(reinterpret_cast<GMimeMessagePart *>(object));
-      GMimeObject *const part =
-          message == nullptr ? nullptr : g_mime_message_get_mime_part(message);
-      if (part == nullptr) {
-        context_.Skip();
-      } else {
-        Walk(part, prefix + '1', depth + 1);
-      }
+      WalkMessage(reinterpret_cast<GMimeMessagePart *>(object), number, depth);
     } else if (GMIME_IS_PART(object)) {
       ReadPart(reinterpret_cast<GMimePart *>(object), number.empty() ? "1" : number);
     } else {
       context_.Skip();
+    }
+  }
+
+  static std::string NumberOf(const std::string &whole, int part) {
+    return (whole.empty() ? whole : whole + '.') + std::to_string(part);
+  }
+
+  void WalkParts(GMimeMultipart *parts, const std::string &number, std::size_t depth) {
+    const int count = g_mime_multipart_get_count(parts);
+    for (int i = 0; i < count; ++i) {
+      Walk(g_mime_multipart_get_part(parts, i), NumberOf(number, i + 1), depth + 1);
+    }
+    if (count == 0) context_.Damage(place_, std::nullopt, number, "has no parts");
+  }
+
+  void WalkMessage(GMimeMessagePart *object, const std::string &number, std::size_t depth) {
+    GMimeMessage *const message = g_mime_message_part_get_message(object);
+    GMimeObject *const part = message == nullptr ? nullptr : g_mime_message_get_mime_part(message);
+    if (part == nullptr) {
+      context_.Skip();
+    } else {
+      Walk(part, NumberOf(number, 1), depth + 1);
     }
   }
 

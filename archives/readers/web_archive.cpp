@@ -209,50 +209,50 @@ void RecordJudge::JudgeDocument(Record &record) {
   const std::size_t limit = context_.Limits().documentBytes;
   DecodedBody decoded = DecodeBody(block->Http(), block->Body(), limit);
   const std::string &type = block->Http().type.name;
-  if (const ContentKind kind = SniffDocument(decoded.bytes, type);
-      kind != ContentKind::kDocument && !block->IsOver() && !decoded.damaged && !decoded.over) {
+  const bool isOver = block->IsOver() || decoded.over;
+  const bool isDeck = LooksLikeDeck(decoded.bytes);
+  if (!isOver && !decoded.damaged && SniffDocument(decoded.bytes, type) != ContentKind::kDocument) {
+    ReadNested(record, decoded.bytes);
+  } else if (isDeck && isOver) {
+    Refuse(record, "is longer than " + LimitText(limit, "documentBytes"));
+  } else if ((isDeck || IsDeckType(type)) && decoded.damaged) {
+    Refuse(record, decoded.warnings.back());
+  } else if (isDeck) {
+    Deliver(record, std::move(decoded));
+  } else {
     WarnOf(record);
-    EntryReader entry(context_, {NameOf(record, place_), place_.depth + 1},
-                      Describe(record, place_));
-    if (IsMultipart(type)) entry.Feed("Content-Type: " + block->Http().rawType + "\r\n\r\n");
-    entry.Feed(decoded.bytes);
-    entry.Finish();
-    return;
-  }
-  if (!LooksLikeDeck(decoded.bytes)) {
-    WarnOf(record);
-    if (decoded.damaged && IsDeckType(type)) {
-      Refuse(record, decoded.warnings.back());
-      return;
-    }
     if (IsDeckType(type)) {
       context_.Warn(place_, record.near, record.head.uri, "is " + type + ", but holds no deck");
     }
     context_.Skip();
-    return;
   }
-  if (block->IsOver() || decoded.over) {
-    Refuse(record, "is longer than " + LimitText(limit, "documentBytes"));
-    return;
-  }
-  if (decoded.damaged) {
-    Refuse(record, decoded.warnings.back());
-    return;
-  }
+}
+
+// The document is an archive.
+void RecordJudge::ReadNested(const Record &record, std::string_view bytes) {
+  const HttpHead &http = static_cast<const BlockHolder *>(record.block.get())->Http();
+  WarnOf(record);
+  EntryReader entry(context_, {NameOf(record, place_), place_.depth + 1}, Describe(record, place_));
+  if (IsMultipart(http.type.name)) entry.Feed("Content-Type: " + http.rawType + "\r\n\r\n");
+  entry.Feed(bytes);
+  entry.Finish();
+}
+
+void RecordJudge::Deliver(const Record &record, DecodedBody decoded) {
+  const auto *block = static_cast<const BlockHolder *>(record.block.get());
   ArchivedDocument document = Describe(record, place_);
-  const auto add = [&](const std::vector<std::string> &warnings) {
-    document.warnings.insert(document.warnings.end(), warnings.begin(), warnings.end());
-  };
-  add(block->Http().warnings);
-  add(decoded.warnings);
+  std::vector<std::string> &warnings = document.warnings;
+  for (const auto &more : {block->Http().warnings, decoded.warnings}) {
+    warnings.insert(warnings.end(), more.begin(), more.end());
+  }
   if (!record.head.truncated.empty()) {
-    document.warnings.push_back("its writer cut it: " + record.head.truncated);
+    warnings.push_back("its writer cut it: " + record.head.truncated);
   }
   if (record.head.segment == "1") {
-    document.warnings.emplace_back("it goes on in other records, which are not joined");
+    warnings.emplace_back("it goes on in other records, which are not joined");
   }
   if (!HasItsDigest(record, *block, decoded.bytes)) {
-    document.warnings.push_back("its digest is not " + document.digest);
+    warnings.push_back("its digest is not " + document.digest);
   }
   document.bytes = std::move(decoded.bytes);
   context_.Deliver(std::move(document));

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "archives/http/message.h"
 #include "archives/readers/entry_reader.h"
 #include "archives/reading.h"
 #include "archives/records/members.h"
@@ -34,6 +35,8 @@ class RecordJudge : public RecordSink {
  private:
   void Judge(Record &record);
   void JudgeDocument(Record &record);
+  void ReadNested(const Record &record, std::string_view bytes);
+  void Deliver(const Record &record, DecodedBody decoded);
   void Refuse(const Record &record, const std::string &why);
   void WarnOf(const Record &record);
 

@@ -136,7 +136,6 @@ bool HasScheme(std::string_view text) {
 std::optional<ArcLine> SplitArcLine(std::string_view line) {
   line = Trim(line);
   if (line.empty() || !HasScheme(line) || line.find(':') == npos) return std::nullopt;
-  std::size_t end = line.size();
   std::size_t before = line.rfind(' ');
   if (before == npos) return std::nullopt;
   ArcLine found;
@@ -144,7 +143,7 @@ std::optional<ArcLine> SplitArcLine(std::string_view line) {
   if (!ParseLength(found.length)) return std::nullopt;
   const std::size_t typeEnd = before;
   while (before != npos && before != 0) {
-    end = before;
+    const std::size_t end = before;
     before = line.rfind(' ', end - 1);
     if (before == npos) return std::nullopt;
     const std::string_view word = line.substr(before + 1, end - before - 1);
