@@ -19,6 +19,23 @@ struct Nothing<uint32_t (*)(Arguments...)> {
   static uint32_t Routine(Arguments...) noexcept { return 0; }
 };
 
+VwRoutine EmptyFontRoutine(int16_t slot) {
+  switch (slot) {
+    case SLOT_SELECT_FONT_NUMBER:
+      return AsRoutine(Nothing<SOSelectFontNumberRoutine>::Routine);
+    case SLOT_SELECT_FONT_NAME:
+      return AsRoutine(Nothing<SOSelectFontNameRoutine>::Routine);
+    case SLOT_OPEN_FONT_LIST:
+      return AsRoutine(Nothing<SOOpenFontListRoutine>::Routine);
+    case SLOT_ADD_FONT_LIST_ENTRY:
+      return AsRoutine(Nothing<SOAddFontListEntryRoutine>::Routine);
+    case SLOT_CLOSE_FONT_LIST:
+      return AsRoutine(Nothing<SOCloseFontListRoutine>::Routine);
+    default:
+      return AsRoutine(SODummy);  // is not called
+  }
+}
+
 // What is called in place of an empty slot's SODummy: a routine of the slot's own type that does
 // nothing. WebAssembly calls no routine through another type.
 VwRoutine EmptyRoutine(int16_t slot) {
@@ -35,16 +52,6 @@ VwRoutine EmptyRoutine(int16_t slot) {
       return AsRoutine(Nothing<SODeclareSectionRoutine>::Routine);
     case SLOT_ABORT_STREAM:
       return AsRoutine(Nothing<SOAbortStreamRoutine>::Routine);
-    case SLOT_SELECT_FONT_NUMBER:
-      return AsRoutine(Nothing<SOSelectFontNumberRoutine>::Routine);
-    case SLOT_SELECT_FONT_NAME:
-      return AsRoutine(Nothing<SOSelectFontNameRoutine>::Routine);
-    case SLOT_OPEN_FONT_LIST:
-      return AsRoutine(Nothing<SOOpenFontListRoutine>::Routine);
-    case SLOT_ADD_FONT_LIST_ENTRY:
-      return AsRoutine(Nothing<SOAddFontListEntryRoutine>::Routine);
-    case SLOT_CLOSE_FONT_LIST:
-      return AsRoutine(Nothing<SOCloseFontListRoutine>::Routine);
     case SLOT_OPEN_TABLE:
       return AsRoutine(Nothing<SOOpenTableRoutine>::Routine);
     case SLOT_CLOSE_TABLE:
@@ -70,7 +77,7 @@ VwRoutine EmptyRoutine(int16_t slot) {
     case SLOT_SET_PROPERTY:
       return AsRoutine(Nothing<SOSetPropertyRoutine>::Routine);
     default:
-      return AsRoutine(SODummy);  // is not called
+      return EmptyFontRoutine(slot);
   }
 }
 
