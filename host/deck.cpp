@@ -47,7 +47,11 @@ std::size_t CountReplacements(std::string_view text) {
 void RequireWml(std::string_view text) {
   if (HasTag(text, "<wml") || HasTag(text, "<card")) return;
   if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) throw NotWml("empty document");
-  if (HasTag(text, "<html") || HasTag(text, "<!doctype html")) throw NotWml("HTML, not WML");
+  if (HasTag(text, "<html") || HasTag(text, "<!doctype html")) {
+    const bool xhtml = text.find("xhtml") != std::string_view::npos ||
+                       text.find("XHTML") != std::string_view::npos;
+    throw NotWml(std::string(xhtml ? "XHTML" : "HTML") + ", not WML: open it in a browser");
+  }
   if (text.find('\0') != std::string_view::npos) throw NotWml("binary data, not WML");
   throw NotWml("not WML: no <wml> or <card> element");
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -34,6 +35,13 @@ class Queue {
     if (index == taken_) finished_.notify_one();
   }
 
+  // Waits until all inputs before this one are done with.
+  void AwaitTurn(std::size_t index) {
+    std::unique_lock lock(mutex_);
+    turn_.wait(lock, [&] { return stopped_ || taken_ == index; });
+    if (stopped_) throw OutputFailure(std::make_error_code(std::errc::operation_canceled));
+  }
+
   // Waits for the outcome whose turn it is.
   Outcome Take() {
     std::unique_lock lock(mutex_);
@@ -41,21 +49,29 @@ class Queue {
     finished_.wait(lock, [&] { return place.has_value(); });
     Outcome outcome = std::move(*place);
     place.reset();
+    return outcome;
+  }
+
+  // The outcome that was taken is done with.
+  void Next() {
+    const std::lock_guard lock(mutex_);
     ++taken_;
     room_.notify_one();
-    return outcome;
+    turn_.notify_all();
   }
 
   void Stop() {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
     room_.notify_all();
+    turn_.notify_all();
   }
 
  private:
   std::mutex mutex_;
   std::condition_variable room_;
   std::condition_variable finished_;
+  std::condition_variable turn_;
   std::size_t inputs_;
   std::size_t claimed_ = 0;
   std::size_t taken_ = 0;
@@ -66,20 +82,21 @@ class Queue {
 // Joins the threads, however the work ends.
 class Workers {
  public:
-  Workers(const Options &options, const Inputs &inputs, Queue &queue, std::size_t count)
-      : queue_(queue) {
-    const auto work = [&options, &inputs, &queue] {
-      Converter converter(options);
+  Workers(const Work &work, Queue &queue, std::size_t count) : queue_(queue) {
+    const auto convert = [&work, &queue] {
+      Converter converter(work);
       while (const auto claimed = queue.Claim()) {
-        queue.Put(*claimed, converter.Convert(inputs.list[*claimed]));
+        const auto turn = [&queue, index = *claimed] { queue.AwaitTurn(index); };
+        queue.Put(*claimed, converter.Convert(work.inputs.list[*claimed], turn));
       }
     };
     threads_.reserve(count);
     try {
-      while (threads_.size() < count) threads_.emplace_back(work);
+      while (threads_.size() < count) threads_.emplace_back(convert);
     } catch (const std::system_error &) {
-      // As many as the system allows do the work.
-      if (threads_.empty() && count != 0) throw;
+      return;  // as many as the system allows do the work
+    } catch (const std::bad_alloc &) {
+      return;
     }
   }
   ~Workers() {
@@ -88,21 +105,33 @@ class Workers {
   }
   Workers(const Workers &) = delete;
   Workers &operator=(const Workers &) = delete;
+  bool None() const { return threads_.empty(); }
 
  private:
   Queue &queue_;
   std::vector<std::thread> threads_;
 };
 
+void ConvertHere(const Work &work, const std::function<void(const Input &, Outcome &)> &take) {
+  Converter converter(work);
+  for (const Input &input : work.inputs.list) {
+    Outcome outcome = converter.Convert(input, [] {});
+    take(input, outcome);
+  }
+}
+
 }  // namespace
 
-void ConvertAll(const Options &options, const Inputs &inputs,
-                const std::function<void(const Input &, const Outcome &)> &take) {
-  const std::size_t count = std::min(options.jobs, inputs.list.size());
-  Queue queue(inputs.list.size(), std::max<std::size_t>(count, 1) * kWaitingPerThread);
-  const Workers workers(options, inputs, queue, count);
-  for (const Input &input : inputs.list) {
-    take(input, queue.Take());
+void ConvertAll(const Work &work, const std::function<void(const Input &, Outcome &)> &take) {
+  const std::size_t count = std::min(work.options.jobs, work.inputs.list.size());
+  if (count <= 1) return ConvertHere(work, take);
+  Queue queue(work.inputs.list.size(), count * kWaitingPerThread);
+  const Workers workers(work, queue, count);
+  if (workers.None()) return ConvertHere(work, take);
+  for (const Input &input : work.inputs.list) {
+    Outcome outcome = queue.Take();
+    take(input, outcome);
+    queue.Next();
   }
 }
 

@@ -34,7 +34,15 @@ struct CommandLine {
   std::vector<std::string> variables;
   std::optional<std::string> base;
   std::optional<std::string> assets;
+  std::vector<std::string> names;
+  bool follow = false;
+  bool sync = false;
+  bool skipExisting = false;
+  bool withFilename = false;
+  std::optional<bool> pager;
   std::size_t jobs = 1;
+  bool quiet = false;
+  std::optional<bool> summary;
   bool raw = false;
   bool remoteImages = false;
   bool help = false;

@@ -1,5 +1,5 @@
 /// \file
-/// Reading and writing whole files.
+/// Reading and writing files.
 ///
 /// SPDX-License-Identifier: MIT
 #ifndef VS_WML_UNWML_FILES_H
@@ -7,37 +7,44 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace unwml {
 
-/// The bytes of a file, or of standard input for "-". Throws std::runtime_error with
-/// the reason, without the name.
-std::string ReadWhole(const std::string &path);
-
-/// Writes all of `bytes`. Throws std::system_error.
-void WriteAll(int descriptor, std::string_view bytes);
-
-/// A file that appears under its name only when it is complete: it is written under
-/// another and renamed. What is not committed is removed.
-class PendingFile {
+/// An open file. Those of the standard streams stay open.
+class Descriptor {
  public:
-  /// Makes the directories that are missing. Throws std::system_error.
-  explicit PendingFile(std::string path);
-  ~PendingFile();
-  PendingFile(const PendingFile &) = delete;
-  PendingFile &operator=(const PendingFile &) = delete;
-
-  void Write(std::string_view bytes) { WriteAll(descriptor_, bytes); }
-  void Commit();
+  explicit Descriptor(int descriptor = -1) : descriptor_(descriptor) {}
+  ~Descriptor();
+  Descriptor(Descriptor &&other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  Descriptor &operator=(Descriptor &&other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+  }
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+  int Get() const { return descriptor_; }
 
  private:
-  std::string path_;
-  std::string temporary_;
-  int descriptor_ = -1;
+  int descriptor_;
 };
 
-/// A name for messages: control characters shown as '?', so that none reaches a terminal.
-std::string Printable(std::string_view name);
+/// How the program came by the name of a file.
+enum class Origin {
+  kNamed,  ///< on the command line: whatever it is, it is meant
+  kFound   ///< in a folder or a list: a pipe would be waited for, a device read without end
+};
+
+/// The bytes of a file, or of standard input for "-". Of a name that was found only a regular
+/// file is read, looked at after it was opened. Throws std::runtime_error with the reason,
+/// without the name.
+std::string ReadWhole(const std::string &path, Origin origin);
+
+/// Writes all of `bytes` into the file that is called `name`. Throws std::system_error.
+void WriteAll(int descriptor, std::string_view bytes, const std::string &name = "write");
+
+/// Throws std::system_error for errno.
+[[noreturn]] void ThrowSystem(const std::string &what);
 
 }  // namespace unwml
 

@@ -33,6 +33,24 @@ constexpr OptionRow kRows[] = {
      .detail = "One name a line, or each ended by a NUL character.",
      .set = [](CommandLine &line, const Given &given) { line.filesFrom = given.text; }},
 
+    {.category = Category::kInput,
+     .name = "name",
+     .argument = Argument::kText,
+     .placeholder = "GLOB",
+     .brief = "in folders, also read files whose names match GLOB",
+     .detail =
+         "Servers had decks under other names than *.wml, too: --name '*.php' --name '*.asp'. "
+         "May be given several times. Capitals and small letters are the same.",
+     .set = [](CommandLine &line, const Given &given) { line.names.emplace_back(given.text); }},
+    {.category = Category::kInput,
+     .name = "follow",
+     .negatable = true,
+     .brief = "in folders, follow symbolic links",
+     .detail = "Otherwise links to decks and folders that are found in a folder are left out, and "
+               "their number is told. A link that is named itself is always followed. A folder "
+               "that several links lead to is read once.",
+     .set = [](CommandLine &line, const Given &given) { line.follow = given.on; }},
+
     {.category = Category::kOutput,
      .letter = 't',
      .name = "to",
@@ -44,12 +62,35 @@ constexpr OptionRow kRows[] = {
     {.category = Category::kOutput,
      .letter = 'o',
      .name = "output",
-     .argument = Argument::kFolder,
-     .placeholder = "DIR",
-     .brief = "write files under DIR, laid out as the inputs are",
-     .detail = "Without it everything goes to standard output. A file appears only when it is "
-               "complete, and never in the place of an input.",
+     .argument = Argument::kFile,
+     .placeholder = "PATH",
+     .brief = "write the file PATH, or files under the folder PATH",
+     .detail = "A folder is meant when PATH is one, when it ends in a slash, or when there are "
+               "several inputs; see Outputs. The name of a single file tells the format if --to "
+               "does not: out.html. Without this option, and for -, everything goes to standard "
+               "output.",
      .set = [](CommandLine &line, const Given &given) { line.output = given.text; }},
+    {.category = Category::kOutput,
+     .name = "skip-existing",
+     .negatable = true,
+     .brief = "leave out what has an output already",
+     .detail = "To go on with a run that was interrupted: outputs appear only when they are "
+               "complete.",
+     .set = [](CommandLine &line, const Given &given) { line.skipExisting = given.on; }},
+    {.category = Category::kOutput,
+     .name = "sync",
+     .negatable = true,
+     .brief = "have each output on the disk before it appears",
+     .detail = "Off by default: when the power fails, files that were written last may be empty. "
+               "With it each file is waited for (fsync), which takes longer.",
+     .set = [](CommandLine &line, const Given &given) { line.sync = given.on; }},
+    {.category = Category::kOutput,
+     .letter = 'H',
+     .name = "with-filename",
+     .negatable = true,
+     .brief = "begin each line with the name of its file",
+     .detail = "As grep does, for text, Markdown and the trace.",
+     .set = [](CommandLine &line, const Given &given) { line.withFilename = given.on; }},
 
     {.category = Category::kOutput,
      .name = "remote-images",
@@ -117,6 +158,15 @@ constexpr OptionRow kRows[] = {
                "stands for them.",
      .set = [](CommandLine &line, const Given &given) { line.images = given.text; }},
 
+    {.category = Category::kText,
+     .name = "pager",
+     .negatable = true,
+     .brief = "page what is longer than the screen (default)",
+     .detail = "Only on a terminal. The pager is the first that is set of UNWML_PAGER, PAGER and "
+               "less; none is used when that is empty or cat. Leaving it early ends the run "
+               "quietly, with status 0 if no document had failed.",
+     .set = [](CommandLine &line, const Given &given) { line.pager = given.on; }},
+
     {.category = Category::kRunning,
      .letter = 'j',
      .name = "jobs",
@@ -127,6 +177,22 @@ constexpr OptionRow kRows[] = {
      .brief = "documents worked on at a time (default 1)",
      .detail = "The output keeps the order of the input.",
      .set = [](CommandLine &line, const Given &given) { line.jobs = given.number; }},
+
+    {.category = Category::kRunning,
+     .letter = 'q',
+     .name = "quiet",
+     .negatable = true,
+     .brief = "tell of failures only",
+     .detail = "Neither warnings nor progress nor a summary. Warnings are in the JSON in any case, "
+               "and are told on standard error for the other formats.",
+     .set = [](CommandLine &line, const Given &given) { line.quiet = given.on; }},
+    {.category = Category::kRunning,
+     .name = "summary",
+     .negatable = true,
+     .brief = "end with how many were read, with warnings, failed",
+     .detail = "The default for several documents when standard error is a terminal, or when "
+               "there were warnings to tell.",
+     .set = [](CommandLine &line, const Given &given) { line.summary = given.on; }},
 
     {.category = Category::kInside,
      .name = "raw",

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "options.h"
 
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <map>
 #include <string_view>
+#include <utility>
 
 #include "command_line.h"
 #include "completion.h"
@@ -20,9 +24,12 @@
 #include "host/platform/url.h"
 #include "host/text/utf8.h"
 #include "manual.h"
+#include "messages.h"
 
 namespace unwml {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::size_t kDefaultWidth = 80;
 
@@ -49,7 +56,11 @@ void AddVariable(const std::string &text, std::map<std::string, std::string> &va
   if (equals == std::string::npos || !vs_wml::IsVariableName(name)) {
     throw WrongUsage("--var: \"" + text + "\" is not NAME=VALUE");
   }
-  variables[name] = vs_wml::RepairUtf8(text.substr(equals + 1));
+  std::string value = vs_wml::RepairUtf8(text.substr(equals + 1));
+  if (vs_wml::WithoutControls(value) != value) {
+    throw WrongUsage("--var: \"" + text + "\" has control characters, which no phone would send");
+  }
+  variables[name] = std::move(value);
 }
 
 void RequireBase(const std::string &base) {
@@ -60,11 +71,28 @@ void RequireBase(const std::string &base) {
   }
 }
 
+const FormatRow *FindFormat(std::string_view FormatRow::*member, std::string_view wanted) {
+  const auto *const found =
+      std::find_if(std::begin(kFormats), std::end(kFormats),
+                   [&](const FormatRow &candidate) { return candidate.*member == wanted; });
+  return found == std::end(kFormats) ? nullptr : found;
+}
+
+// The format that was asked for by name, or by that of the one output.
 void SettleFormat(const CommandLine &line, Options &options) {
-  options.format = kFormats;
-  for (const FormatRow &row : kFormats) {
-    if (row.name == line.to) options.format = &row;
+  if (line.to) {
+    options.format = FindFormat(&FormatRow::name, *line.to);
+  } else if (options.output) {
+    const std::string extension = fs::path(options.output->file).extension().string();
+    const FormatRow *const row = FindFormat(&FormatRow::extension, extension);
+    if (row != nullptr) options.format = row;
   }
+  const bool lines = !options.format->writer || options.format->writer == vs_wml::Format::kText ||
+                     options.format->writer == vs_wml::Format::kMarkdown;
+  if (line.withFilename && !lines) {
+    throw WrongUsage("--with-filename is for text, Markdown and the trace");
+  }
+  options.withFilename = line.withFilename;
 }
 
 void SettleReading(const CommandLine &line, Options &options) {
@@ -87,21 +115,24 @@ void SettleReading(const CommandLine &line, Options &options) {
   }
   std::error_code ignored;
   options.assets = line.assets.value_or("");
-  if (line.assets && !std::filesystem::is_directory(*line.assets, ignored)) {
+  if (line.assets && !fs::is_directory(*line.assets, ignored)) {
     throw WrongUsage("--assets: " + *line.assets + " is not a directory");
   }
 }
 
 void SettleText(const CommandLine &line, Options &options) {
-  const bool toTerminal = !line.output && isatty(STDOUT_FILENO) != 0;
+  const bool toTerminal = !options.output && isatty(STDOUT_FILENO) != 0;
   options.writer.width = line.width.value_or(TerminalWidth());
-  options.writer.color = WantsColor(line.color, line.output.has_value());
+  options.writer.color = WantsColor(line.color, options.output.has_value());
   options.writer.remoteImages = line.remoteImages;
   options.writer.images = line.images ? line.images == "blocks" : toTerminal;
+  options.pager = toTerminal && !line.output && line.pager.value_or(true);
 }
 
 void SettleInputs(const CommandLine &line, Options &options) {
   options.inputs = line.inputs;
+  options.names = line.names;
+  options.follow = line.follow;
   options.filesFrom = line.filesFrom.value_or("");
   if (options.inputs.empty() && options.filesFrom.empty()) {
     if (isatty(STDIN_FILENO) != 0) throw WrongUsage("no input: name a FILE, a DIR or -");
@@ -113,23 +144,55 @@ void SettleInputs(const CommandLine &line, Options &options) {
   if (twice) throw WrongUsage("standard input can be read only once");
 }
 
-void SettleOutput(const CommandLine &line, Options &options) {
-  options.outputDirectory = line.output.value_or("");
+// Whether -o means a folder: it is one, looks like one, or has to hold several files.
+bool MeansFolder(const std::string &path, const Options &options) {
   std::error_code error;
-  if (std::filesystem::exists(options.outputDirectory, error) &&
-      !std::filesystem::is_directory(options.outputDirectory, error)) {
-    throw WrongUsage("--output: " + options.outputDirectory + " is not a directory");
+  const auto isFolder = [&](const std::string &name) { return fs::is_directory(name, error); };
+  return path.ends_with('/') || isFolder(path) || !options.filesFrom.empty() ||
+         options.inputs.size() > 1 ||
+         std::any_of(options.inputs.begin(), options.inputs.end(), isFolder);
+}
+
+// What is no file that could be replaced (a device, a pipe) takes the place of standard output.
+bool RedirectToDevice(const std::string &path) {
+  std::error_code error;
+  if (!fs::exists(path, error) || fs::is_regular_file(path, error)) return false;
+  const Descriptor device(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+  if (device.Get() < 0 || dup2(device.Get(), STDOUT_FILENO) < 0) {
+    throw WrongUsage("--output: " + path + ": " + std::strerror(errno));
+  }
+  return true;
+}
+
+void SettleOutput(const CommandLine &line, Options &options) {
+  options.sync = line.sync;
+  options.skipExisting = line.skipExisting;
+  if (!line.output || *line.output == "-") return;
+  const std::string &path = *line.output;
+  std::error_code error;
+  if (MeansFolder(path, options)) {
+    if (fs::exists(path, error) && !fs::is_directory(path, error)) {
+      throw WrongUsage("--output: " + path + " is not a directory");
+    }
+    options.output = OutputPlace{path, ""};
+  } else if (!RedirectToDevice(path)) {
+    // A link that was named is meant to be written through.
+    const fs::path file = fs::is_symlink(path, error) ? fs::weakly_canonical(path) : fs::path(path);
+    const std::string folder = file.parent_path().string();
+    options.output = OutputPlace{folder.empty() ? "." : folder, file.filename().string()};
   }
 }
 
 Options Settled(const CommandLine &line) {
   Options options;
   options.jobs = line.jobs;
+  options.quiet = line.quiet;
+  options.summary = line.summary;
+  SettleInputs(line, options);
+  SettleOutput(line, options);
   SettleFormat(line, options);
   SettleReading(line, options);
   SettleText(line, options);
-  SettleInputs(line, options);
-  SettleOutput(line, options);
   return options;
 }
 
@@ -157,7 +220,8 @@ std::optional<Options> ParseOptions(int argc, char **argv, int &exitCode) {
     if (!PrintWanted(line, std::cout)) return Settled(line);
     exitCode = std::cout.flush() ? kAllRead : kSomeFailed;
   } catch (const WrongUsage &mistake) {
-    std::cerr << "unwml: " << Printable(mistake.what()) << "\nTry 'unwml --help'.\n";
+    Tell(mistake.what());
+    std::cerr << "Try 'unwml --help'.\n";
     exitCode = kWrongUsage;
   }
   return std::nullopt;

@@ -1,5 +1,5 @@
 /// \file
-/// The command line of unwml.
+/// What the command line asks for, settled.
 ///
 /// SPDX-License-Identifier: MIT
 #ifndef VS_WML_UNWML_OPTIONS_H
@@ -21,11 +21,25 @@ inline constexpr int kAllRead = 0;
 inline constexpr int kSomeFailed = 1;
 inline constexpr int kWrongUsage = 2;
 
+/// Where outputs go other than to standard output.
+struct OutputPlace {
+  std::string folder;
+  std::string file;  ///< the one output, in the folder; empty: they are laid out as the inputs are
+};
+
 struct Options {
-  std::vector<std::string> inputs;  ///< files, directories, "-"
-  std::string filesFrom;            ///< file of names, "-": standard input; empty: none
-  std::string outputDirectory;      ///< empty: standard output
+  std::vector<std::string> inputs;    ///< files, directories, "-"
+  std::string filesFrom;              ///< file of names, "-": standard input; empty: none
+  std::vector<std::string> names;     ///< patterns of names in folders, besides those of decks
+  bool follow = false;                ///< symbolic links in folders, too
+  std::optional<OutputPlace> output;  ///< nothing: standard output
+  bool sync = false;                  ///< outputs are on the disk before they appear
+  bool skipExisting = false;
+  bool withFilename = false;  ///< before each line
   std::size_t jobs = 1;
+  bool quiet = false;
+  std::optional<bool> summary;  ///< nothing: where it makes sense
+  bool pager = false;           ///< may be started
   const FormatRow *format = kFormats;
   vs_wml::WriterOptions writer;
   vs_wml::DeckOptions deck;

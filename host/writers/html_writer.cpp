@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/text/ascii.h"
+#include "host/text/printable.h"
 #include "host/text/utf8.h"
 #include "host/writer.h"
 #include "host/writers/html_page.h"
@@ -101,7 +102,7 @@ class HtmlWriter : public BlockSink {
       : out_(output), remoteImages_(options.remoteImages) {}
 
   void BeginDocument(const DeckInfo &deck) override {
-    name_ = deck.name;
+    name_ = Printable(deck.name);
     parts_ = &deck.parts;
     reader_ = LinkReader(deck);
     repeats_ = {};

@@ -3,6 +3,7 @@
 #include <string>
 #include <unordered_set>
 
+#include "host/text/printable.h"
 #include "host/text/utf8.h"
 #include "host/writer.h"
 #include "host/writers/markdown_text.h"
@@ -84,7 +85,7 @@ class MarkdownWriter : public BlockSink {
     firstCard_ = true;
     anchors_.clear();
     reader_ = LinkReader(deck);
-    if (nameHeading_) WriteHeading("# ", deck.name);
+    if (nameHeading_) WriteHeading("# ", Printable(deck.name));
   }
 
   void BeginCard(const Card &card) override {

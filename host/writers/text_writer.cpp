@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/images/picture_formats.h"
+#include "host/text/printable.h"
 #include "host/text/utf8.h"
 #include "host/writer.h"
 #include "host/writers/target.h"
@@ -112,7 +113,7 @@ class TextWriter : public BlockSink {
     written_ = blank_ = false;
     listedLinks_ = 0;
     if (!nameHeading_) return;
-    out_ << "==> " << deck.name << " <==\n";
+    out_ << "==> " << Printable(deck.name) << " <==\n";
   }
 
   void BeginCard(const Card &card) override {

@@ -23,7 +23,9 @@ TEST(Reader, SaysWhatIsNoWml) {
     const char *message;
   } cases[] = {{"", "empty document"},
                {" \n\t", "empty document"},
-               {"<!DOCTYPE HTML><html><p>x", "HTML, not WML"},
+               {"<!DOCTYPE HTML><html><p>x", "HTML, not WML: open it in a browser"},
+               {"<!DOCTYPE html PUBLIC \"-//WAPFORUM//DTD XHTML Mobile 1.0//EN\"><html>x",
+                "XHTML, not WML: open it in a browser"},
                {std::string("\x7F"
                             "ELF\0\0\0",
                             7),

@@ -3,19 +3,7 @@
 
 bats_require_minimum_version 1.5.0
 
-setup() {
-  cd "$BATS_TEST_TMPDIR" || return 1
-  export LC_ALL=C.UTF-8
-  unset NO_COLOR
-  deck a.wml 'Apple <b>pie</b>'
-}
-
-deck() { # deck FILE TEXT
-  mkdir -p "$(dirname "$1")"
-  echo "<wml><card id='c' title='T'><p>$2</p></card></wml>" >"$1"
-}
-
-unwml() { "$UNWML" "$@"; }
+load helpers
 
 @test "help keeps to 80 columns, has examples and all formats" {
   run unwml --help
@@ -35,8 +23,8 @@ unwml() { "$UNWML" "$@"; }
 
 @test "wrong usage is told and ends with 2" {
   for arguments in '--to pdf' '--width 0' '--no-such' '--charset nope' '--identity 1152' \
-    '--identity 1151 --charset utf-8' '-j 0' '--to' '- -' '-o a.wml' \
-    '--assets a.wml' '--assets nowhere'; do
+    '--identity 1151 --charset utf-8' '-j 0' '--to' '- -' '-o a.wml b.wml' \
+    '--with-filename --to json' '--assets a.wml' '--assets nowhere'; do
     # shellcheck disable=SC2086
     run unwml $arguments a.wml
     [ "$status" = 2 ]
@@ -66,7 +54,7 @@ unwml() { "$UNWML" "$@"; }
   [[ $output == *"Apple pie"* ]]
   # shellcheck disable=SC2154
   [ "${stderr_lines[0]}" = "unwml: binary.wml: binary data, not WML" ]
-  [ "${stderr_lines[1]}" = "unwml: page.wml: HTML, not WML" ]
+  [ "${stderr_lines[1]}" = "unwml: page.wml: HTML, not WML: open it in a browser" ]
   [ "${stderr_lines[2]}" = "unwml: empty.wml: empty document" ]
   [ "${stderr_lines[3]}" = "unwml: missing.wml: No such file or directory" ]
 }
@@ -74,7 +62,7 @@ unwml() { "$UNWML" "$@"; }
 @test "names cannot drive the terminal" {
   run unwml $'\e[31mred.wml'
   [ "$status" = 1 ]
-  [ "$output" = "unwml: ?[31mred.wml: No such file or directory" ]
+  [ "$output" = "unwml: \\x1B[31mred.wml: No such file or directory" ]
   deck $'b\e.wml' b
   run unwml $'b\e.wml' a.wml
   [[ $output != *$'\e'* ]]
@@ -85,20 +73,35 @@ unwml() { "$UNWML" "$@"; }
   deck in/b/d.WML plum
   deck in/e.txt fig
   echo nothing >in/f.wml
+  run unwml -t markdown -o alone/ in
+  [ "$status" = 1 ]
+  [ "$(cd alone && find . -type f | sort | tr '\n' ' ')" = "./b/c.md ./b/d.md " ]
   run unwml -t markdown -o out in a.wml ./in/e.txt
   [ "$status" = 1 ]
-  [ "$(cd out && find . -type f | sort | tr '\n' ' ')" = "./a.md ./b/c.md ./b/d.md ./in/e.md " ]
-  [[ $(cat out/b/c.md) = *$'\n\n## T\n\npear' ]]
+  [ "$(cd out && find . -type f | sort | tr '\n' ' ')" = "./a.md ./in/b/c.md ./in/b/d.md ./in/e.md " ]
+  [[ $(cat out/in/b/c.md) = *$'\n\n## T\n\npear' ]]
   [ "$(stat -c %a out/a.md)" = "$(stat -c %a a.wml)" ]
 }
 
-@test "two inputs with one output are not mixed up" {
+@test "each input has an output of its own, as on a disk that folds case" {
   deck x/a.wml one
   deck y/a.wml two
   run unwml -o out x y
-  [ "$status" = 1 ]
-  [[ $output == *"is that of another input"* ]]
-  grep -q one out/a.txt
+  [ "$status" = 0 ]
+  grep -q one out/x/a.txt
+  grep -q two out/y/a.txt
+  deck z/A.wml 1
+  deck z/a.wml 2
+  deck z/a.wmlc 3
+  deck z/a.WML 4
+  deck 'z/b.wml?x=1' 5
+  deck 'z/b.wml?x=2' 6
+  deck $'z/\u00e9.wml' 7
+  deck $'z/E\u0301.wml' 8
+  run unwml -o sorted z
+  [ "$status" = 0 ]
+  [ "$(cd sorted && LC_ALL=C ls | tr '\n' ' ')" = \
+    $'A.txt E\u0301.txt a-2.txt a.WML.txt a.wmlc.txt b.wml?x=1.txt b.wml?x=2.txt \u00e9.wml.txt ' ]
 }
 
 @test "an output never takes the place of an input" {
@@ -139,7 +142,11 @@ unwml() { "$UNWML" "$@"; }
   run --separate-stderr timeout 20 "$UNWML" in
   [ "$status" = 1 ]
   [[ $output == *pear* ]]
-  [ "$stderr" = "unwml: in/a.wml: not a regular file" ]
+  [ "${stderr_lines[0]}" = "unwml: in/a.wml: not a regular file" ]
+  [ "${stderr_lines[1]}" = "unwml: 1 symbolic link was not followed (--follow)" ]
+  echo in/a.wml >list
+  run timeout 20 "$UNWML" --files-from list
+  [ "$output" = "unwml: in/a.wml: not a regular file" ]
 }
 
 @test "where few threads can be started, few do the work" {
@@ -220,9 +227,10 @@ unwml() { "$UNWML" "$@"; }
   unwml -t html --assets assets v.wml | grep -q 'src="data:image/png;base64,'
   run unwml --raw --images alt v.wml
   [ "${lines[0]}" = 'v[1][bar]' ]
-  for wrong in '--var 1=x' '--var x' '--base here' '--images big'; do
+  for wrong in '--var 1=x' '--var x' '--base here' '--images big' $'--var v=\e[31m'; do
     run unwml $wrong v.wml
     [ "$status" = 2 ]
+    [[ $output != *$'\e'* ]]
   done
 }
 
@@ -284,20 +292,30 @@ assert written == shown, written'
   deck in/.hidden.wml H
   deck in/no.wmls N
   deck in/no.xml N
+  ln -s .. in/a/circle
   ln -s a in/link
   ln -s ../a.wml in/file.wml
-  run unwml -t json in
+  sources() { grep -o '"source":"[^"]*"' <<<"$output" | cut -d'"' -f4 | tr '\n' ' '; }
+  run --separate-stderr unwml -t json in
   [ "$status" = 0 ]
-  expected=$(printf 'in/.hidden.wml\nin/a/z.wml\nin/b.wml\nin/c.WMLC\nin/file.wml')
-  [ "$(grep -o '"source":"[^"]*"' <<<"$output" | cut -d'"' -f4)" = "$expected" ]
+  [ "$(sources)" = 'in/.hidden.wml in/a/z.wml in/b.wml in/c.WMLC ' ]
+  [ "$stderr" = "unwml: 3 symbolic links were not followed (--follow)" ]
+  run unwml -t json --quiet in
+  [ "$(sources)" = 'in/.hidden.wml in/a/z.wml in/b.wml in/c.WMLC ' ]
+  run --separate-stderr unwml -t json --follow in
+  [ "$status" = 0 ]
+  [ "$(sources)" = 'in/.hidden.wml in/a/z.wml in/b.wml in/c.WMLC in/file.wml ' ]
+  [ -z "$stderr" ]
+  run unwml -t json --name 'no.w*' --name '*.XML' in
+  [ "$(sources)" = 'in/.hidden.wml in/a/z.wml in/b.wml in/c.WMLC in/no.wmls in/no.xml ' ]
   mkdir empty
   run unwml empty
-  [ "$status" = 0 ]
-  [ -z "$output" ]
+  [ "$status" = 1 ]
+  [ "$output" = "unwml: empty: no decks in this folder (*.wml, *.wmlc; --name tells of others)" ]
   run unwml -o out ../"$(basename "$PWD")"/in/b.wml "$PWD/in/a/z.wml" ./in/../a.wml
   [ "$status" = 0 ]
   [ "$(cd out && echo *)" = "a.txt b.txt z.txt" ]
-  run unwml -t json -o out - <a.wml
+  run unwml -t json -o out/ - <a.wml
   [ -s out/stdin.json ]
 }
 
@@ -320,11 +338,11 @@ assert written == shown, written'
 
 @test "outputs have the mode of the user's files and go where they can" {
   umask 027
-  run unwml -o out/deep/er a.wml
+  run unwml -o out/deep/er/ a.wml
   [ "$status" = 0 ]
   [ "$(stat -c %a out/deep/er/a.txt)" = 640 ]
   echo kept >blocked
-  run unwml -o blocked/deep a.wml
+  run unwml -o blocked/deep/ a.wml
   [ "$status" = 1 ]
   [[ $output == "unwml: a.wml: "*": "* ]]
   [ "$(cat blocked)" = kept ]
@@ -333,7 +351,7 @@ assert written == shown, written'
   [ "$status" = 1 ]
   [[ $output == "unwml: a.wml: "* ]]
   [ "$(ls -A taken)" = a.txt ]
-  for format in text html json markdown trace; do unwml -t $format -o formats a.wml; done
+  for format in text html json markdown trace; do unwml -t $format -o formats/ a.wml; done
   [ "$(cd formats && echo *)" = "a.html a.json a.md a.trace a.txt" ]
 }
 
@@ -344,7 +362,7 @@ assert written == shown, written'
   run bash -c '"$0" -t trace long.wml >/dev/full' "$UNWML"
   [ "$status" = 1 ]
   [ "$output" = "unwml: standard output: No space left on device" ]
-  run unwml -t trace -o out long.wml
+  run unwml -t trace -o out/ long.wml
   [ "$status" = 0 ]
   unwml -t trace long.wml | cmp - out/long.trace
   [ "$(tail -n 1 out/long.trace)" = 'SOEmitBreak document' ]
