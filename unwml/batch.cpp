@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "batch.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
@@ -79,6 +81,23 @@ class Queue {
   std::vector<std::optional<Outcome>> ring_;
 };
 
+// Addresses that the stacks of threads must leave for the documents.
+class Reserve {
+ public:
+  Reserve()
+      : begin_(
+            mmap(nullptr, kBytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
+    if (begin_ == MAP_FAILED) throw std::bad_alloc();
+  }
+  ~Reserve() { munmap(begin_, kBytes); }
+  Reserve(const Reserve &) = delete;
+  Reserve &operator=(const Reserve &) = delete;
+
+ private:
+  static constexpr std::size_t kBytes = 64U << 20U;
+  void *begin_;
+};
+
 // Joins the threads, however the work ends.
 class Workers {
  public:
@@ -90,8 +109,9 @@ class Workers {
         queue.Put(*claimed, converter.Convert(work.inputs.list[*claimed], turn));
       }
     };
-    threads_.reserve(count);
     try {
+      const Reserve reserve;
+      threads_.reserve(count);
       while (threads_.size() < count) threads_.emplace_back(convert);
     } catch (const std::system_error &) {
       return;  // as many as the system allows do the work

@@ -31,8 +31,8 @@ class Descriptor {
 
 /// How the program came by the name of a file.
 enum class Origin {
-  kNamed,  ///< on the command line: whatever it is, it is meant
-  kFound   ///< in a folder or a list: a pipe would be waited for, a device read without end
+  kNamed,  ///< on the command line or in a list: whatever it is, it is meant
+  kFound   ///< in a folder: a pipe would be waited for, a device read without end
 };
 
 /// The bytes of a file, or of standard input for "-". Of a name that was found only a regular

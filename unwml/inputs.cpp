@@ -34,21 +34,21 @@ class Finder {
 
   Inputs Run() {
     inputs_.several = options_.inputs.size() > 1 || !options_.filesFrom.empty();
-    for (const std::string &name : options_.inputs) AddNamed(name, Origin::kNamed);
+    for (const std::string &name : options_.inputs) AddNamed(name);
     if (!options_.filesFrom.empty()) AddListed();
     KeepInputs();
     return std::move(inputs_);
   }
 
  private:
-  void AddNamed(const std::string &name, Origin origin) {
+  void AddNamed(const std::string &name) {
     std::error_code error;
     if (name == "-") {
       Add(name, "stdin", Origin::kNamed);
     } else if (fs::is_directory(name, error)) {
       AddFolder(name);
     } else {
-      Add(name, MirroredName(name), origin);
+      Add(name, MirroredName(name), Origin::kNamed);
     }
   }
 
@@ -76,7 +76,7 @@ class Finder {
       const std::size_t end = std::min(rest.find(separator), rest.size());
       std::string_view name = rest.substr(0, end);
       if (separator == '\n' && name.ends_with('\r')) name.remove_suffix(1);
-      if (!name.empty()) AddNamed(std::string(name), Origin::kFound);
+      if (!name.empty()) AddNamed(std::string(name));
       rest.remove_prefix(std::min(end + 1, rest.size()));
     }
   }

@@ -125,7 +125,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
       {{"--raw=yes"}, "--raw takes no value"},
       {{"--to"}, "--to: no FORMAT given"},
       {{"a", "-j"}, "--jobs: no N given"},
-      {{"--output="}, "--output: no DIR given"},
+      {{"--output="}, "--output: no PATH given"},
       {{"-t", "pdf"}, "--to: \"pdf\" is not text, html, json, markdown or trace"},
       {{"-j", "0"}, "--jobs: \"0\" is not a number from 1 to 256"},
       {{"-j", "257"}, "--jobs: \"257\" is not a number from 1 to 256"},

@@ -134,7 +134,7 @@ start_half() {
     run bash -c 'ulimit -f 64; "$0" -j '$jobs' -o out/ a.wml long.wml long.wml a.wml' "$UNWML"
     [ "$status" = 1 ]
     [ "${lines[0]}" = "unwml: long.wml: out/long.txt: File too large" ]
-    [ "$(cd out && LC_ALL=C ls -A | tr '\n' ' ')" = "a-2.txt a.txt " ]
+    [ "$(cd out && LC_ALL=C ls -A | tr '\n' ' ')" = "a.txt a.wml.txt " ]
     run bash -c 'ulimit -f 64; "$0" -j '$jobs' a.wml long.wml >out.txt' "$UNWML"
     [ "$status" = 1 ]
     [ "$output" = "unwml: standard output: File too large" ]
