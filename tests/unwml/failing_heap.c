@@ -43,13 +43,21 @@ static int fails(void) {
   return 1;
 }
 
-void *malloc(size_t size) { return fails() ? NULL : __libc_malloc(size); }
-void *calloc(size_t count, size_t size) { return fails() ? NULL : __libc_calloc(count, size); }
-void *realloc(void *block, size_t size) { return fails() ? NULL : __libc_realloc(block, size); }
+void *malloc(size_t size) {
+  return fails() ? NULL : __libc_malloc(size);
+}
+void *calloc(size_t count, size_t size) {
+  return fails() ? NULL : __libc_calloc(count, size);
+}
+void *realloc(void *block, size_t size) {
+  return fails() ? NULL : __libc_realloc(block, size);
+}
 void *memalign(size_t alignment, size_t size) {
   return fails() ? NULL : __libc_memalign(alignment, size);
 }
-void *aligned_alloc(size_t alignment, size_t size) { return memalign(alignment, size); }
+void *aligned_alloc(size_t alignment, size_t size) {
+  return memalign(alignment, size);
+}
 int posix_memalign(void **block, size_t alignment, size_t size) {
   *block = memalign(alignment, size);
   return *block == NULL ? ENOMEM : 0;
