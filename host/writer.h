@@ -19,6 +19,7 @@ struct WriterOptions {
   std::size_t width = 80;    ///< columns of text
   bool color = false;        ///< ANSI styles in text
   bool images = false;       ///< small pictures drawn in text with block characters
+  bool hyperlinks = false;   ///< addresses in text are links on terminals that can (OSC 8)
   bool nameHeading = false;  ///< head text and Markdown with the document's name
   /// HTML and Markdown fetch pictures that are not at hand; otherwise these are links.
   bool remoteImages = false;

@@ -315,8 +315,12 @@ bool IsJoiner(char32_t character) {
 }
 
 bool IsFormat(char32_t character) {
-  return u_charType(static_cast<UChar32>(character)) == U_FORMAT_CHAR || character == 0x2028 ||
-         character == 0x2029;
+  constexpr char32_t kSoftHyphen = 0xAD;
+  constexpr char32_t kLineSeparator = 0x2028;
+  constexpr char32_t kParagraphSeparator = 0x2029;
+  return (u_charType(static_cast<UChar32>(character)) == U_FORMAT_CHAR &&
+          character != kSoftHyphen) ||
+         character == kLineSeparator || character == kParagraphSeparator;
 }
 
 bool IsLetterBeyondAscii(char32_t character) {
@@ -347,6 +351,39 @@ std::string WithVisibleFormats(std::string_view text) {
     before = character;
   }
   return shown;
+}
+
+bool HasDirections(std::string_view text) {
+  // U+202A to U+202E, and U+2066 to U+2069
+  return text.find("\xE2\x80\xAA") != std::string_view::npos ||
+         text.find("\xE2\x80\xAB") != std::string_view::npos ||
+         text.find("\xE2\x80\xAD") != std::string_view::npos ||
+         text.find("\xE2\x80\xAE") != std::string_view::npos ||
+         text.find("\xE2\x81\xA6") != std::string_view::npos ||
+         text.find("\xE2\x81\xA7") != std::string_view::npos ||
+         text.find("\xE2\x81\xA8") != std::string_view::npos;
+}
+
+std::string Isolated(std::string_view text) {
+  constexpr std::string_view kIsolate = "\xE2\x81\xA8";
+  constexpr std::string_view kPop = "\xE2\x81\xA9";
+  if (!HasDirections(text)) return std::string(text);
+  std::size_t open = 1;
+  std::string isolated(kIsolate);
+  for (std::size_t offset = 0; offset < text.size();) {
+    const std::size_t start = offset;
+    const char32_t character = NextCharacter(text, offset);
+    if (character >= 0x2066 && character <= 0x2068) ++open;
+    // One that would end the isolation ends nothing.
+    const bool ends = character == 0x2069 && open-- == 1;
+    if (ends) {
+      open = 1;
+    } else {
+      isolated += text.substr(start, offset - start);
+    }
+  }
+  for (; open != 0; --open) isolated += kPop;
+  return isolated;
 }
 
 int ColumnWidth(char32_t character) {

@@ -72,6 +72,13 @@ std::string WithoutControls(std::string text);
 /// Joiners stay between letters beyond ASCII, which they shape.
 std::string WithVisibleFormats(std::string_view text);
 
+/// Whether the text may hold characters that set its direction (embeddings, overrides, isolates).
+bool HasDirections(std::string_view text);
+
+/// The text between marks that keep the directions it sets from what stands around it. As it is
+/// when it sets none.
+std::string Isolated(std::string_view text);
+
 /// Whether a character controls a terminal rather than shows: C0, DEL and C1.
 constexpr bool IsControl(char32_t character) {
   return character < 0x20 || (character >= 0x7F && character <= 0x9F);

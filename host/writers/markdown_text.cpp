@@ -254,6 +254,12 @@ void MarkdownText::OpenBracket(std::string &line, bool image) {
 void MarkdownText::CloseBracket(std::string &line, std::string_view target,
                                 std::string_view title) {
   line += "](";
+  AppendTarget(line, target, title);
+  line += ')';
+}
+
+void MarkdownText::AppendTarget(std::string &line, std::string_view target,
+                                std::string_view title) {
   if (target.empty()) line += "<>";
   const std::string encoded = EncodeTarget(target);
   for (std::size_t at = 0; at < encoded.size(); ++at) {
@@ -280,7 +286,6 @@ void MarkdownText::CloseBracket(std::string &line, std::string_view target,
     }
     line += '"';
   }
-  line += ')';
 }
 
 bool MarkdownText::EndsWithAddress(std::string_view line) {

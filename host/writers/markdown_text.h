@@ -31,7 +31,9 @@ class MarkdownText {
   void AppendWhole(std::string &line, std::string_view text, bool inLabel);
   /// Begins a link or (`image`) a picture, so that what stands before it is no part of it.
   static void OpenBracket(std::string &line, bool image);
-  /// Appends `](target "title")`; an empty title is none.
+  /// Appends `target "title"` as it stands in a link; an empty title is none.
+  static void AppendTarget(std::string &line, std::string_view target, std::string_view title);
+  /// Appends `](target "title")`.
   static void CloseBracket(std::string &line, std::string_view target, std::string_view title);
 
   /// Whether the line ends with an address that viewers turn into a link of their own, and

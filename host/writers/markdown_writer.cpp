@@ -7,6 +7,7 @@
 #include "host/text/utf8.h"
 #include "host/writer.h"
 #include "host/writers/markdown_text.h"
+#include "host/writers/repeat_budget.h"
 #include "host/writers/target.h"
 
 namespace vs_wml {
@@ -84,6 +85,12 @@ class MarkdownWriter : public BlockSink {
     lastBlock_ = Block::kNone;
     firstCard_ = true;
     anchors_.clear();
+    ++documents_;
+    said_.clear();
+    explained_.clear();
+    referredTo_.clear();
+    definitions_.clear();
+    repeats_ = {};
     reader_ = LinkReader(deck);
     if (nameHeading_) WriteHeading("# ", Printable(deck.name));
   }
@@ -140,6 +147,7 @@ class MarkdownWriter : public BlockSink {
 
   void EndDocument(const DeckInfo & /*deck*/) override {
     FinishParagraph();
+    if (!definitions_.empty()) out_ << '\n' << definitions_;
     if (nameHeading_) out_ << '\n';
     out_.Flush();
   }
@@ -166,7 +174,7 @@ class MarkdownWriter : public BlockSink {
   void WriteHeading(std::string_view mark, std::string_view text) {
     line_ = mark;
     text_.BeginBlock(MarkdownPlace::kHeading);
-    text_.AppendWhole(line_, text, false);
+    text_.AppendWhole(line_, WithVisibleFormats(text), false);
     EndBlock(Block::kOther);
   }
 
@@ -224,7 +232,7 @@ class MarkdownWriter : public BlockSink {
         },
         [&](const Link &link) {
           if (IsFollowed(link)) line_ += "</a>";
-          AppendMarkup(line_, reader_.Details(link));
+          AppendMarkup(line_, WithVisibleFormats(reader_.Details(link)));
         });
   }
 
@@ -282,9 +290,44 @@ class MarkdownWriter : public BlockSink {
         },
         [&](std::size_t index) { AppendRun(content, index); },
         [&](const Link &link) {
-          if (IsFollowed(link)) MarkdownText::CloseBracket(line_, link.target, link.title);
-          text_.AppendWhole(line_, reader_.Details(link), false);
+          if (IsFollowed(link)) CloseLink(link);
+          AppendDetails(link);
         });
+  }
+
+  // A long target that has many users is written for each of them as long as that stays in
+  // proportion, and then once at the end, where they refer to.
+  void CloseLink(const Link &link) {
+    const std::size_t size = link.target.size() + link.title.size();
+    if (MayRepeat(said_, link, size)) {
+      MarkdownText::CloseBracket(line_, link.target, WithVisibleFormats(link.title));
+      return;
+    }
+    line_ += "][";
+    line_ += ReferenceTo(link.actionIndex);
+    line_ += ']';
+    if (!referredTo_.insert(link.actionIndex).second) return;
+    definitions_ += '[' + ReferenceTo(link.actionIndex) + "]: ";
+    MarkdownText::AppendTarget(definitions_, link.target, WithVisibleFormats(link.title));
+    definitions_ += '\n';
+  }
+
+  // Documents may stand in one file behind each other.
+  std::string ReferenceTo(PartIndex action) const {
+    return "target " + std::to_string(documents_) + '.' + std::to_string(action);
+  }
+
+  bool MayRepeat(std::unordered_set<PartIndex> &said, const Link &link, std::size_t size) {
+    if (link.actionIndex == kNoIndex || size < RepeatBudget::kShort) return true;
+    if (!said.insert(link.actionIndex).second) return repeats_.Spend(size);
+    repeats_.Earn(size);
+    return true;
+  }
+
+  void AppendDetails(const Link &link) {
+    const std::string details = WithVisibleFormats(reader_.Details(link));
+    if (!MayRepeat(explained_, link, details.size())) return;
+    text_.AppendWhole(line_, details, false);
   }
 
   bool IsFollowed(const Link &link) const {
@@ -355,6 +398,12 @@ class MarkdownWriter : public BlockSink {
   bool addressAtEnd_ = false;  ///< of the line of the paragraph that waits for its end
   std::size_t marksEnd_ = std::string::npos;  ///< where marks in the line have ended last
   std::unordered_set<std::string> anchors_;
+  std::size_t documents_ = 0;
+  RepeatBudget repeats_;
+  std::unordered_set<PartIndex> said_;        ///< actions whose target stands above
+  std::unordered_set<PartIndex> explained_;   ///< actions whose details stand above
+  std::unordered_set<PartIndex> referredTo_;  ///< actions whose target stands at the end
+  std::string definitions_;                   ///< what stands at the end
 };
 
 }  // namespace

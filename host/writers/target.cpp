@@ -124,6 +124,10 @@ std::string EncodeTarget(std::string_view target) {
   return encoded;
 }
 
+bool HasScheme(std::string_view target) {
+  return SchemeOf(target).has_value();
+}
+
 bool IsRemote(std::string_view source) {
   const auto scheme = SchemeOf(source);
   return scheme ? HasSchemeOf(source, kImageSchemes) : source.starts_with("//");

@@ -60,6 +60,9 @@ class LinkReader {
   std::unordered_set<std::string_view> cards_;  ///< their ids
 };
 
+/// Whether a target is an address of its own, of whatever scheme.
+bool HasScheme(std::string_view target);
+
 /// Where a link leads, for people: its target, with what is sent and assigned, or "(back)"
 /// and "(refresh)" for what has none.
 std::string LinkTargetText(const Link &link);

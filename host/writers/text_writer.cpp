@@ -2,12 +2,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "host/images/picture_formats.h"
 #include "host/text/printable.h"
 #include "host/text/utf8.h"
 #include "host/writer.h"
+#include "host/writers/repeat_budget.h"
 #include "host/writers/target.h"
 #include "host/writers/text_layout.h"
 
@@ -35,6 +37,7 @@ struct FlatText {
   std::string_view text;
   std::string made;
   std::vector<Mark> marks;
+  bool directed = false;  ///< something in it sets the direction of text
 
   void Clear() {
     made.clear();
@@ -106,12 +109,17 @@ class TextWriter : public BlockSink {
         width_(std::max<std::size_t>(options.width, 1)),
         color_(options.color),
         nameHeading_(options.nameHeading),
-        images_(options.images) {}
+        images_(options.images),
+        hyperlinks_(options.hyperlinks) {}
 
   void BeginDocument(const DeckInfo &deck) override {
     firstCard_ = true;
     written_ = blank_ = false;
     listedLinks_ = 0;
+    parts_ = &deck.parts;
+    reader_ = LinkReader(deck);
+    repeats_ = {};
+    said_.clear();
     if (!nameHeading_) return;
     out_ << "==> " << Printable(deck.name) << " <==\n";
   }
@@ -226,8 +234,8 @@ class TextWriter : public BlockSink {
       rule(2);
     };
     rule(2);
-    if (!card.title.empty()) words("", card.title);
-    if (!card.id.empty()) words("#", card.id);
+    if (!card.title.empty()) words("", WithVisibleFormats(card.title));
+    if (!card.id.empty()) words("#", WithVisibleFormats(card.id));
     rule(width_ - std::min(columns, width_));
     out_ << '\n';
     blank_ = false;
@@ -236,6 +244,7 @@ class TextWriter : public BlockSink {
 
   // Lays out the runs of a paragraph or a cell: where they stand in flat_.text.
   Extent Flatten(const Content &content) {
+    flat_.directed = HasDirections(content.text);
     if (!IsBareText(content)) return Make(content);
     flat_.text = content.text;
     if (color_) {
@@ -251,6 +260,7 @@ class TextWriter : public BlockSink {
     std::string &made = flat_.made;
     const std::size_t begin = made.size();
     std::uint32_t link = kNone;
+    std::uint32_t list = kNone;  // the select that the last line shows
     const auto endLink = [&] {
       if (!IsNumbered(content, link)) return;
       AppendBracketed(made, std::to_string(content.links[link].number));
@@ -262,8 +272,12 @@ class TextWriter : public BlockSink {
         link = run.link;
       }
       if (color_) flat_.marks.push_back({made.size(), StyleBits(content, run)});
-      if (run.image == kNone) {
-        made += content.TextOf(run);
+      const Field *field = run.link == kNone ? nullptr : content.links[run.link].field;
+      if (field != nullptr && field->kind == FieldKind::kSelect) {
+        if (run.link != list) MakeList(made, *field, begin);
+        list = run.link;
+      } else if (run.image == kNone) {
+        BeginText(made, content.TextOf(run), list);
       } else if (!drawing_ || SmallBitmap(content, run) == nullptr) {
         AppendBracketed(made, ImageLabel(content.images[run.image]));
       }
@@ -273,13 +287,74 @@ class TextWriter : public BlockSink {
     return {begin, made.size()};
   }
 
+  // What comes behind a list of choices begins a line. Text that sets directions of its own is
+  // kept from reordering what stands beside it.
+  void BeginText(std::string &made, std::string_view text, std::uint32_t &list) const {
+    if (list != kNone) {
+      text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+      if (text.empty()) return;
+      made += '\n';
+      list = kNone;
+    }
+    flat_.directed ? made += Isolated(text) : made += text;
+  }
+
+  // A list of choices, each in a line of its own.
+  void MakeList(std::string &made, const Field &field, std::size_t begin) {
+    const auto line = [&] {
+      while (made.size() > begin && made.back() == ' ') made.pop_back();
+      if (made.size() > begin && made.back() != '\n') made += '\n';
+    };
+    if (!field.Label().empty()) {
+      line();
+      made.append(field.Label()).append(":");
+    }
+    PartIndex group = kNoIndex;
+    for (PartIndex index = 0; index < field.optionCount; ++index) {
+      const FieldOption &option = parts_->options[field.firstOption + index];
+      if (option.group != group && option.group != kNoIndex) {
+        const std::string_view title = parts_->groups[option.group].title.shown;
+        line();
+        if (repeats_.Spend(title.size())) made.append(title).append(":");
+      }
+      group = option.group;
+      line();
+      made += field.multiple ? (option.selected ? "[x] " : "[ ] ")
+                             : (option.selected ? "(*) " : "( ) ");
+      made += option.Label();
+    }
+  }
+
+  // The target of a link in the list, which terminals that can make a link of.
+  std::string ListedTarget(const Link &link) const {
+    const std::string shown = WithVisibleFormats(LinkTargetText(link));
+    if (!hyperlinks_ || !HasScheme(link.target) ||
+        reader_.OutcomeOf(link) != LinkOutcome::kFollowed) {
+      return shown;
+    }
+    return "\x1B]8;;" + EncodeTarget(link.target) + "\x1B\\" + shown + "\x1B]8;;\x1B\\";
+  }
+
+  // Whether a link is listed as another that does the same: its values are long, and have been
+  // listed so often that once more would be out of proportion.
+  bool RefersToOther(const Link &link, std::size_t size) {
+    if (link.actionIndex == kNoIndex || size < RepeatBudget::kShort) return false;
+    const auto [entry, first] = said_.try_emplace(link.actionIndex, link.number);
+    if (first) repeats_.Earn(size);
+    if (first || repeats_.Spend(size)) return false;
+    linkList_ += "as ";
+    AppendBracketed(linkList_, std::to_string(entry->second));
+    return true;
+  }
+
   // Every link is listed once, in the card where it begins.
   void NoteLink(const Link &link) {
     if (link.number == listedLinks_) return;
     listedLinks_ = link.number;
     AppendBracketed(linkList_, std::to_string(link.number));
     linkList_ += ' ';
-    linkList_ += LinkTargetText(link);
+    const std::string target = ListedTarget(link);
+    if (!RefersToOther(link, target.size())) linkList_ += target;
     linkList_ += '\n';
   }
 
@@ -301,6 +376,10 @@ class TextWriter : public BlockSink {
   }
 
   void WriteStyled(const Line &line) {
+    if (flat_.directed && !color_) {
+      out_ << Isolated(flat_.text.substr(line.begin, line.end - line.begin));
+      return;
+    }
     color_ ? WriteColored(line) : out_.WritePart(flat_.text, line.begin, line.end);
   }
 
@@ -338,7 +417,12 @@ class TextWriter : public BlockSink {
   bool color_;
   bool nameHeading_;
   bool images_;
-  bool drawing_ = false;  ///< small pictures are drawn, not named
+  bool hyperlinks_;
+  const DeckParts *parts_ = nullptr;
+  LinkReader reader_;
+  RepeatBudget repeats_;
+  std::unordered_map<PartIndex, std::uint32_t> said_;  ///< numbers of links, by action
+  bool drawing_ = false;                               ///< small pictures are drawn, not named
   bool firstCard_ = true;
   bool written_ = false;  ///< something stands above, so that a blank line separates
   bool blank_ = false;    ///< a blank line comes before the next line

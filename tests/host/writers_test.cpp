@@ -93,6 +93,41 @@ TEST(TextWriter, LaysOutParagraphs) {
   }
 }
 
+TEST(TextWriter, ShowsChoicesTargetsAndDirections) {
+  WriterOptions options;
+  options.hyperlinks = true;
+  const struct {
+    const char *content;
+    const char *text;
+  } cases[] = {
+      {"<p>Size: <select name='s' title='T'><option>a b</option><option>c</option></select> x</p>",
+       "Size:\nT:\n(*) a b\n( ) c\nx\n"},
+      {"<p><select multiple='true'><optgroup title='G'><option>a</option></optgroup></select></p>",
+       "G:\n[ ] a\n"},
+      {"<p><anchor>a<go href='http://h/é'><setvar name='x' value='17'/></go></anchor></p>",
+       "a[1]\n\n[1] \x1B]8;;http://h/%C3%A9\x1B\\http://h/é (x:=17)\x1B]8;;\x1B\\\n"},
+      {"<p><a href='u&#x202E;v'>a&#x202E;b</a></p>",
+       "\u2068\u2068a\u202Eb\u2069[1]\u2069\n\n[1] u<U+202E>v\n"},
+  };
+  for (const auto &item : cases) {
+    EXPECT_EQ(Written(Format::kText, item.content, options), item.text) << item.content;
+  }
+}
+
+// The actions of a template stand in every card; long ones are said once they are too many.
+TEST(Writers, SayLongValuesInProportion) {
+  const std::string target(1000, 'u');
+  std::string deck = "</card><template><do label='S'><go href='" + target + "'/></do></template>";
+  for (int i = 0; i < 1000; ++i) deck += "<card><p>x</p></card>";
+  const std::string text = Written(Format::kText, deck + "<card>");
+  EXPECT_LT(text.size(), 400000U);
+  EXPECT_NE(text.find("] as [1]\n"), std::string::npos);
+  const std::string markdown = Written(Format::kMarkdown, deck + "<card>");
+  EXPECT_LT(markdown.size(), 300000U);
+  EXPECT_NE(markdown.find("[S][target 1.0]\n"), std::string::npos);
+  EXPECT_NE(markdown.find("\n[target 1.0]: " + target + "\n"), std::string::npos);
+}
+
 struct PagePart {
   std::string content;  ///< of a card
   const char *part;     ///< stands in the page
