@@ -23,6 +23,24 @@ constexpr Item kExamples[] = {
     {"find . -name '*.wml' -print0 | unwml -t json -j 4 --files-from -", "Index many decks."},
 };
 
+constexpr Item kOutputs[] = {
+    {"Layout",
+     "The outputs of one folder lie as its files do. Of several inputs each lies as it "
+     "was named; what is named by an absolute path, or outside of the current folder, "
+     "lies under its last part."},
+    {"Names",
+     "The format's extension takes the place of the input's. Where that name is taken, "
+     "also by one that differs in case only, it follows the whole name (a.wmlc.html); "
+     "where that is taken too, a number stands before it (a-2.html). An output never "
+     "takes the place of an input."},
+    {"Failures",
+     "A file appears only when it is complete. What is half-written is removed, after "
+     "KILL by the next run into the folder. Symbolic links inside the folder are not "
+     "written through. On standard output nothing is seen of a document that fails, "
+     "unless it is larger than a megabyte: such a one goes out as it is read, and when "
+     "it fails then its last line is ended and a message says so."},
+};
+
 constexpr Item kExitCodes[] = {
     {"0", "All documents were read, or whoever read the output had seen enough and closed it."},
     {"1",
@@ -36,6 +54,7 @@ constexpr Item kExitCodes[] = {
 };
 
 constexpr Item kEnvironment[] = {
+    {"UNWML_PAGER, PAGER", "The pager, see --pager. LESS is set to FRX unless it is set."},
     {"NO_COLOR", "When set, text is not styled by --color auto."},
     {"TERM", "On a terminal that is dumb, text is not styled by --color auto."},
 };
@@ -143,6 +162,7 @@ void PrintManual(std::ostream &out) {
     PrintItem(out, {row.name, std::string(row.meaning) + "; files end in " +
                                   std::string(row.extension) + "."});
   }
+  PrintSection(out, "OUTPUTS", kOutputs);
   PrintSection(out, "\"EXIT STATUS\"", kExitCodes);
   PrintSection(out, "ENVIRONMENT", kEnvironment);
   PrintSection(out, "EXAMPLES", kExamples);
