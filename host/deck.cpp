@@ -10,16 +10,14 @@
 #include "host/platform/digest.h"
 #include "host/platform/url.h"
 #include "host/serve/served_bytes.h"
+#include "host/text/ascii.h"
+#include "host/text/base64.h"
 #include "host/text/utf8.h"
 #include "host/wmlc/wmlc.h"
 #include "vs_wml.h"
 
 namespace vs_wml {
 namespace {
-
-char ToLower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
 
 // Whether the text has a tag of that name (in lower case, with its '<').
 bool HasTag(std::string_view text, std::string_view tag) {
@@ -71,7 +69,8 @@ std::string TextOf(std::string bytes, const DeckOptions &options, DeckInfo &info
     return std::move(decoded.wml);
   }
   std::vector<std::string> warnings;
-  const DetectedCharset found = DetectCharset(bytes, options.charset, warnings);
+  const DetectedCharset found =
+      DetectCharset(bytes, options.charset, warnings, options.contentType);
   WarnOfAll(info, std::move(warnings));
   info.charset = found.name;
   info.charsetOrigin = found.origin;
@@ -79,8 +78,26 @@ std::string TextOf(std::string bytes, const DeckOptions &options, DeckInfo &info
   return ToUtf8(std::move(bytes), found.name);
 }
 
+// Takes what HTTP headers that were saved with the document say, where nobody said it better.
+void TakeSavedHeaders(std::string_view text, DeckInfo &info) {
+  if (!HasSavedHeaders(text)) return;
+  text = text.substr(0, text.find('<'));
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    const std::string_view line = Trim(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    const std::string name = Lowered(line.substr(0, colon));
+    std::string *value = name == "content-type"                                 ? &info.contentType
+                         : name == "content-location" || name == "content-base" ? &info.url
+                                                                                : nullptr;
+    if (value == nullptr || !value->empty()) continue;
+    *value = WithoutControls(std::string(Trim(line.substr(std::min(colon + 1, line.size())))));
+  }
+}
+
 void NameDeck(DeckInfo &info, std::string name) {
-  if (!IsValidUtf8(name)) info.sourceBase64 = Base64(name);
+  if (!IsValidUtf8(name)) AppendBase64(info.sourceBase64, name);
   info.source = RepairUtf8(name);
   for (std::size_t offset = 0; offset < info.source.size();) {
     const char32_t character = NextCharacter(info.source, offset);
@@ -112,7 +129,9 @@ bool IsFilterIdentity(long identity) {
 Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options) {
   Deck deck;
   NameDeck(deck.info, std::move(name));
-  if (options.digest) deck.info.sha256 = Sha256(bytes);
+  deck.info.url = WithoutControls(RepairUtf8(options.url));
+  deck.info.contentType = WithoutControls(RepairUtf8(options.contentType));
+  if (options.digest) deck.info.xxh128 = Xxh128(bytes);
   if (options.identity) {
     deck.identity = *options.identity;
     deck.info.charset = "identity " + std::to_string(*options.identity);
@@ -124,6 +143,7 @@ Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options
   if (bytes.empty()) throw NotWml("empty document");
   std::string text = TextOf(std::move(bytes), options, deck.info);
   RequireWml(text);
+  TakeSavedHeaders(text, deck.info);
   if (const std::size_t count = CountReplacements(text); count != 0) {
     deck.info.warnings.push_back(
         {0, std::to_string(count) + " places are not well-formed in the character set", {}});

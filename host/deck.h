@@ -22,9 +22,11 @@ struct DeckOptions {
   /// know is not shown.
   bool raw = false;
   std::map<std::string, std::string> variables;  ///< values, by name
-  std::string base;     ///< address that targets are resolved against, empty: none
-  std::string charset;  ///< believed before everything else; empty: find it
-  bool digest = false;  ///< fill DeckInfo::sha256
+  std::string base;         ///< address that targets are resolved against, empty: none
+  std::string charset;      ///< believed before everything else; empty: find it
+  std::string contentType;  ///< what the server called it ("text/vnd.wap.wml; charset=...")
+  std::string url;          ///< where it came from
+  bool digest = false;      ///< fill DeckInfo::xxh128
   /// Serve the bytes untouched, under this filter identity.
   std::optional<std::int16_t> identity;
 };

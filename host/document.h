@@ -154,7 +154,7 @@ struct DeckInfo {
   std::string name;          ///< of the source, for people
   std::string source;        ///< its exact name; bytes that are no UTF-8 show as U+FFFD
   std::string sourceBase64;  ///< the bytes of the name when it has such; else empty
-  std::string sha256;        ///< of the document as it came, in hexadecimal; empty: not asked for
+  std::string xxh128;        ///< of the document as it came, in hexadecimal; empty: not asked for
   std::string url;           ///< where it came from, empty: not known
   std::string contentType;   ///< what the server called it, empty: not known
   std::string charset;       ///< IANA name, or "identity 1151" when served untouched

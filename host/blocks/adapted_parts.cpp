@@ -76,7 +76,7 @@ Link AdaptedParts::LinkOf(ToldReference told) {
 
 Image AdaptedParts::ImageOf(ToldReference told) {
   Image image;
-  const std::deque<Picture> &pictures = deck_.info.parts.pictures;
+  const PartList<Picture> &pictures = deck_.info.parts.pictures;
   const auto reference = ParseServedTarget(told.target);
   if (!reference || reference->kind != ServedKind::kPicture) return image;
   if (reference->index >= pictures.size()) return image;

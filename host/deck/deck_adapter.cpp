@@ -397,7 +397,7 @@ bool DeckAdapter::IsRepeated(const Token &token, const Attribute &attribute) con
 // Keeps the attributes that are not taken, or the element alone when it has none.
 void DeckAdapter::KeepTag(const Token &token, std::string_view taken) {
   constexpr std::size_t kManyAttributes = 32;
-  std::deque<Remainder> &remainders =
+  PartList<Remainder> &remainders =
       inCard_ ? adapted_.parts.remainders : adapted_.parts.outsideRemainders;
   const std::size_t before = remainders.size();
   const auto nameOf = [&](std::string_view raw) {
@@ -521,7 +521,7 @@ void DeckAdapter::Variable(std::string_view text, std::size_t &at) {
   // A character reference may go on with the name.
   const std::size_t behind = at + length;
   const bool bracket = reference.length == 0 && behind < text.size() && text[behind] == '(';
-  const bool open = reference.length > 2 && text[behind - 1] != ')';
+  const bool open = !reference.name.empty() && text[behind - 1] != ')';
   if ((bracket || ((open || length == 1) && behind < text.size() && text[behind] == '&')) &&
       HiddenVariable(text, at)) {
     return;
@@ -637,7 +637,7 @@ void DeckAdapter::ConnectFields(const DeckCard &card) {
     Field &field = adapted_.parts.fields[card.firstField + index];
     fields.try_emplace(field.Variable(), &field);
   }
-  std::deque<Action> &actions = adapted_.parts.actions;
+  PartList<Action> &actions = adapted_.parts.actions;
   for (std::size_t index = cardAction_; index < actions.size(); ++index) {
     TaskDetails *details = actions[index].task.details.get();
     if (details == nullptr) continue;
@@ -761,7 +761,7 @@ void DeckAdapter::BeginParagraph(const Token &token) {
 
 void DeckAdapter::LineBreak(const Token &token) {
   writer_.LineBreak();
-  lastBreak_ = token.offset;
+  lastBreak_ = token.empty ? 0 : token.offset;
 }
 
 // `</br>` is a line break, but for the end of one that is written in full.
@@ -947,10 +947,13 @@ void DeckAdapter::EndSelect(const Token &) {
   if (!fields_.InSelect()) return;
   const PartIndex index = fields_.EndSelect();
   ShowField(index);
-  const std::deque<FieldOption> &options = adapted_.parts.options;
-  const auto first = options.end() - adapted_.parts.fields[index].optionCount;
-  if (std::any_of(first, options.end(), [&](const auto &option) { return Leads(option); })) {
-    ShowMenu(index);
+  const PartList<FieldOption> &options = adapted_.parts.options;
+  const Field &field = adapted_.parts.fields[index];
+  for (PartIndex i = 0; i < field.optionCount; ++i) {
+    if (Leads(options[field.firstOption + i])) {
+      ShowMenu(index);
+      return;
+    }
   }
 }
 

@@ -11,13 +11,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "host/deck/part_list.h"
 #include "host/text/text_arena.h"
 
 namespace vs_wml {
@@ -229,21 +229,21 @@ struct Access {
 struct DeckParts {
   TextArena texts;
   std::string_view language;  ///< `xml:lang`
-  std::deque<DeckCard> cards;
-  std::deque<Action> actions;  ///< in the order of the document, links included
+  PartList<DeckCard> cards;
+  PartList<Action> actions;  ///< in the order of the document, links included
   PartIndex linkCount = 0;
   std::vector<PartIndex> templateActions;  ///< indexes into actions
   std::vector<PartIndex> cardActions;      ///< indexes into actions, card by card
-  std::deque<Field> fields;
-  std::deque<FieldOption> options;
-  std::deque<Group> fieldsets;
-  std::deque<Group> groups;
-  std::deque<Picture> pictures;
-  std::deque<Meta> metas;
+  PartList<Field> fields;
+  PartList<FieldOption> options;
+  PartList<Group> fieldsets;
+  PartList<Group> groups;
+  PartList<Picture> pictures;
+  PartList<Meta> metas;
   std::vector<Access> accesses;
-  std::deque<Value> textVariables;   ///< the variables in the text of cards, each once a card
-  std::deque<Remainder> remainders;  ///< of the cards
-  std::deque<Remainder> outsideRemainders;  ///< outside of the cards
+  PartList<Value> textVariables;          ///< the variables in the text of cards, each once a card
+  PartList<Remainder> remainders;         ///< of the cards
+  PartList<Remainder> outsideRemainders;  ///< outside of the cards
 
   /// The card's own keys and events, indexes into actions.
   std::span<const PartIndex> ActionsOf(const DeckCard &card) const;

@@ -113,7 +113,7 @@ void FieldCollector::MarkDefault(const Field &field) {
   }
 }
 
-PartIndex FieldCollector::AddTitled(std::deque<Group> &groups, std::vector<PartIndex> &open,
+PartIndex FieldCollector::AddTitled(PartList<Group> &groups, std::vector<PartIndex> &open,
                                     const Token &token) {
   const PartIndex outer = open.empty() ? kNoIndex : open.back();
   groups.push_back({values_.Line(token.Find("title")), outer});

@@ -52,7 +52,7 @@ class FieldCollector {
   PartIndex Add(Field field);
   static FieldDetails &DetailsOf(Field &field);
   void ReadFocus(Field &field, const Token &token);
-  PartIndex AddTitled(std::deque<Group> &groups, std::vector<PartIndex> &open, const Token &token);
+  PartIndex AddTitled(PartList<Group> &groups, std::vector<PartIndex> &open, const Token &token);
 
   DeckParts &parts_;
   ValueReader &values_;

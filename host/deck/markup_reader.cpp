@@ -293,6 +293,7 @@ std::string_view MarkupReader::ReadValue(const Token &token) {
     Warn("the value of an attribute has no closing quote", position_);
     ++position_;
   }
+  if (ReadCurlyQuotedValue(value)) return value;
   std::size_t end = position_;
   while (end < document_.size() && !IsWhiteSpace(document_[end]) && document_[end] != '<' &&
          document_[end] != '>') {
@@ -320,6 +321,26 @@ bool MarkupReader::ReadQuotedValue(std::string_view &value) {
   }
   position_ = end + 1;
   return true;
+}
+
+// A value in typographic quotes, which word processors put in the place of plain ones.
+bool MarkupReader::ReadCurlyQuotedValue(std::string_view &value) {
+  constexpr std::size_t kLength = 3;
+  const auto isQuote = [&](std::size_t at) {
+    const std::string_view quote = document_.substr(at, kLength);
+    return quote == "\u201C" || quote == "\u201D" || quote == "\u201E" || quote == "\u2018" ||
+           quote == "\u2019";
+  };
+  if (!isQuote(position_)) return false;
+  const std::size_t start = position_ + kLength;
+  const std::size_t tagEnd = std::min(document_.find_first_of("<>", start), document_.size());
+  for (std::size_t end = start; end < tagEnd; ++end) {
+    if (document_[end] != '\xE2' || !isQuote(end)) continue;
+    value = document_.substr(start, end - start);
+    position_ = end + kLength;
+    return true;
+  }
+  return false;
 }
 
 std::string_view MarkupReader::ReadName() {

@@ -90,6 +90,7 @@ class MarkupReader {
   void ReadAttribute(Token &token);
   std::string_view ReadValue(const Token &token);
   bool ReadQuotedValue(std::string_view &value);
+  [[gnu::noinline]] bool ReadCurlyQuotedValue(std::string_view &value);
   std::string_view ReadName();
   std::size_t FindOnce(std::string_view what, std::size_t from);
   void Warn(const char *message, std::size_t offset) const;

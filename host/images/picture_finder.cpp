@@ -13,11 +13,14 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t kLargestFile = 1U << 20U;
+constexpr std::size_t kLongestPath = 4096;  // no file has a longer one (PATH_MAX)
 
 // `file` under `folder`, when it exists and really lies there.
 std::optional<fs::path> Inside(const fs::path &folder, std::string_view file) {
-  if (folder.empty() || file.empty() || file.find('\0') != std::string_view::npos)
+  if (folder.empty() || file.empty() || file.size() > kLongestPath ||
+      file.find('\0') != std::string_view::npos) {
     return std::nullopt;
+  }
   std::error_code error;
   const fs::path root = fs::canonical(folder, error);
   if (error) return std::nullopt;

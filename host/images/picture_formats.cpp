@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "host/text/base64.h"
+
 namespace vs_wml {
 namespace {
 
@@ -42,20 +44,8 @@ std::string EncodePng(const Bitmap &bitmap) {
 }
 
 std::string DataUri(std::string_view mediaType, std::string_view bytes) {
-  constexpr std::string_view kDigits =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string uri = "data:" + std::string(mediaType) + ";base64,";
-  uri.reserve(uri.size() + (bytes.size() + 2) / 3 * 4);
-  for (std::size_t at = 0; at < bytes.size(); at += 3) {
-    std::uint32_t group = 0;
-    const std::string_view part = bytes.substr(at, 3);
-    for (std::size_t i = 0; i < 3; ++i) {
-      group = (group << 8U) | (i < part.size() ? static_cast<unsigned char>(part[i]) : 0U);
-    }
-    for (std::size_t i = 0; i < 4; ++i) {
-      uri += i <= part.size() ? kDigits[(group >> (18U - 6U * i)) & 63U] : '=';
-    }
-  }
+  AppendBase64(uri, bytes);
   return uri;
 }
 

@@ -121,7 +121,7 @@ std::size_t CharacterUnit(std::string_view charset) {
 }
 
 DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
-                              std::vector<std::string> &warnings) {
+                              std::vector<std::string> &warnings, std::string_view contentType) {
   if (!option.empty()) return {std::string(option), CharsetOrigin::kOption, 0};
   DetectedCharset found;
   for (const Mark &mark : kMarks) {
@@ -154,6 +154,7 @@ DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
   };
   if (believe(XmlDeclaration(start), CharsetOrigin::kXmlDeclaration)) return found;
   if (believe(MetaDeclaration(start), CharsetOrigin::kMeta)) return found;
+  if (believe(ValueAfter(Lowered(contentType), "charset"), CharsetOrigin::kHeader)) return found;
   if (believe(HeaderDeclaration(start), CharsetOrigin::kHeader)) return found;
   if (IsValidUtf8(bytes)) return {"UTF-8", CharsetOrigin::kValidUtf8, 0};
   std::string guess = GuessCharset(bytes.substr(0, kDetectorBytes));

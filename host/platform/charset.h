@@ -34,9 +34,11 @@ bool HasSavedHeaders(std::string_view document);
 /// Finds the character set of `bytes`: `option` when it is not empty, else byte-order
 /// mark, XML declaration, meta element, HTTP header saved with the document, well-formed
 /// UTF-8, a statistical detector, windows-1252. A declared name that is unknown or impossible
-/// becomes a warning.
+/// becomes a warning. `contentType` is what the server called the document, empty when that
+/// is not known; it goes before a saved header.
 DetectedCharset DetectCharset(std::string_view bytes, std::string_view option,
-                              std::vector<std::string> &warnings);
+                              std::vector<std::string> &warnings,
+                              std::string_view contentType = {});
 
 /// The bytes as UTF-8; what they do not encode becomes U+FFFD. `bytes` is moved from
 /// when it is UTF-8 already.

@@ -1,5 +1,5 @@
 /// \file
-/// Digests and codes of bytes.
+/// Digests of bytes.
 ///
 /// SPDX-License-Identifier: MIT
 #ifndef VS_WML_HOST_PLATFORM_DIGEST_H
@@ -10,11 +10,9 @@
 
 namespace vs_wml {
 
-/// The SHA-256 of bytes (FIPS 180-4), in hexadecimal digits.
-std::string Sha256(std::string_view bytes);
-
-/// Bytes in Base64 (RFC 4648, 4), padded.
-std::string Base64(std::string_view bytes);
+/// The 128-bit XXH3 of bytes in hexadecimal, as `xxhsum -H2` prints it. It tells documents
+/// apart at next to no cost; as opposed to a cryptographic digest it proves nothing.
+std::string Xxh128(std::string_view bytes);
 
 }  // namespace vs_wml
 

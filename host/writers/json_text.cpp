@@ -6,39 +6,26 @@
 #include <limits>
 
 #include "host/text/ascii.h"
-#include "host/text/byte_scan.h"
 
 namespace vs_wml {
-namespace {
 
-constexpr std::size_t kPiece = 16384;  // of a string that is written at once
-
-}  // namespace
-
-void JsonText::StringPart(std::string_view text) {
-  while (!text.empty()) {
-    const std::string_view piece = text.substr(0, kPiece);
-    std::size_t done = CopyBefore(piece, out_.Room(piece.size()), [](auto byte) {
-      return (byte < 0x20) | (byte == '"') | (byte == '\\');
-    });
-    out_.Fill(done);
-    if (done != piece.size()) Escape(piece[done++]);
-    text.remove_prefix(done);
-  }
-}
-
-void JsonText::Escape(char c) {
+JsonEscape::JsonEscape(char c) {
   constexpr std::string_view kNamed = "\"\\\b\f\n\r\t";
   constexpr std::string_view kNames = "\"\\bfnrt";
-  out_ << '\\';
   if (const std::size_t named = kNamed.find(c); named != std::string_view::npos) {
-    out_ << kNames[named];
+    text_ = {'\\', kNames[named]};
     return;
   }
   const auto code = static_cast<unsigned char>(c);
-  for (const char digit : {'u', '0', '0', kHexDigits[code >> 4U], kHexDigits[code & 0xFU]}) {
-    out_ << digit;
-  }
+  text_ = {'\\', 'u', '0', '0', kHexDigits[code >> 4U], kHexDigits[code & 0xFU]};
+  length_ = text_.size();
+}
+
+void JsonText::StringPart(std::string_view text) {
+  EscapeJson(
+      text, [this](std::size_t size) { return out_.Room(size); },
+      [this](std::string_view written) { out_.Fill(written.size()); },
+      [this](std::string_view escape) { out_ << escape; });
 }
 
 void JsonText::Number(std::uint64_t value) {

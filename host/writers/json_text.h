@@ -6,13 +6,42 @@
 #define VS_WML_HOST_WRITERS_JSON_TEXT_H
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "host/text/byte_scan.h"
 #include "host/text/output.h"
 
 namespace vs_wml {
+
+/// What stands for a character in a JSON string that cannot stand there itself.
+class JsonEscape {
+ public:
+  explicit JsonEscape(char c);
+  std::string_view View() const { return {text_.data(), length_}; }
+
+ private:
+  std::array<char, 6> text_;
+  std::size_t length_ = 2;
+};
+
+/// Escapes a text for a JSON string. `room` gives the place for as many bytes as it is asked
+/// for; `take` takes the bytes that were written there, `escape` what stands for a character.
+template <typename Room, typename Take, typename Escape>
+void EscapeJson(std::string_view text, Room room, Take take, Escape escape) {
+  constexpr std::size_t kPiece = 16384;  // at once
+  while (!text.empty()) {
+    const std::string_view piece = text.substr(0, kPiece);
+    char *const out = room(piece.size());
+    std::size_t done = CopyBefore(
+        piece, out, [](auto byte) { return (byte < 0x20) | (byte == '"') | (byte == '\\'); });
+    take(std::string_view(out, done));
+    if (done != piece.size()) escape(JsonEscape(piece[done++]).View());
+    text.remove_prefix(done);
+  }
+}
 
 /// Writes one value after the other, on one line, with the commas between them. Nothing is
 /// held but what the output holds, however long a string is; what the output throws passes
@@ -34,6 +63,12 @@ class JsonText {
     Quoted(name, ':');
     separated_ = true;
   }
+  /// A name that a document gives.
+  void EscapedKey(std::string_view name) {
+    String(name);
+    out_ << ':';
+    separated_ = true;
+  }
   /// A string of which it is known that nothing in it is to be escaped.
   [[gnu::always_inline]] void Literal(std::string_view text) {
     Quoted(text, '"');
@@ -51,6 +86,8 @@ class JsonText {
     out_ << '"';
   }
   void StringPart(std::string_view text);
+  /// A part that is escaped already.
+  void EscapedPart(std::string_view text) { out_ << text; }
   void EndString() { out_ << '"'; }
   void Bool(bool value) { Word(value ? "true" : "false"); }
   void Number(std::uint64_t value);
@@ -88,8 +125,6 @@ class JsonText {
     out += last == '"' ? 0 : 1;
     out_.Fill(static_cast<std::size_t>(out - begin));
   }
-  void Escape(char c);
-
   Output &out_;
   bool separated_ = true;  // no comma is wanted before the next value
 };

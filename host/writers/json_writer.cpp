@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <array>
-#include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -30,41 +30,81 @@ std::string_view HexColor(std::uint32_t color, std::array<char, 7> &buffer) {
   return {buffer.data(), buffer.size()};
 }
 
-// The plain text of a card.
+// The plain text of a card, escaped for JSON. It is held in blocks, so that it is never held
+// twice.
 class CardText {
  public:
-  // Text that goes on where the last one ended.
-  void Add(std::string_view text) {
+  CardText() { AddBlock(kBlock); }
+
+  // Adds text that goes on where the last one ended, and calls `use` with it, escaped.
+  template <typename Use>
+  void Add(std::string_view text, Use use) {
     if (text.empty()) return;
-    if (parts_.empty() || parts_.back().size() + text.size() > kPart) {
-      parts_.emplace_back().reserve(std::max(kPart, text.size()));
-    }
-    parts_.back() += text;
+    if (separator_ != 0) AddSeparator();
+    EscapeJson(
+        text, [this](std::size_t size) { return Room(size); },
+        [&](std::string_view written) {
+          blocks_.back().used += written.size();
+          use(written);
+        },
+        [&](std::string_view escape) {
+          Append(escape);
+          use(escape);
+        });
+    endsBlank_ = IsWhiteSpace(text.back());
+    empty_ = false;
   }
-  // What separates words; several of them count as the last one.
+  // What separates words; of several between two of them the strongest counts.
   void Separate(char separator) {
-    if (!parts_.empty()) separator_ = std::max(separator_, RankOf(separator));
+    if (!empty_) separator_ = std::max(separator_, RankOf(separator));
   }
-  // To be called before text.
-  void Begin() {
-    const bool due = separator_ > 1 || (separator_ == 1 && !IsWhiteSpace(parts_.back().back()));
-    if (due) parts_.back() += kSeparators[separator_];
-    separator_ = 0;
+  // Gives the text in parts to `use`.
+  template <typename Use>
+  void ForEachPart(Use use) const {
+    for (const Block &block : blocks_) use(std::string_view(block.text.get(), block.used));
   }
-  std::deque<std::string> Take() {
+  void Clear() {
+    if (blocks_.size() > 1) {
+      blocks_.clear();
+      AddBlock(kBlock);
+    }
+    blocks_.front().used = 0;
     separator_ = 0;
-    return std::exchange(parts_, {});
+    empty_ = true;
   }
 
  private:
-  static constexpr std::size_t kPart = 32768;
-  static constexpr std::array<std::string_view, 4> kSeparators = {"", " ", "\t", "\n"};
+  struct Block {
+    std::unique_ptr<char[]> text;
+    std::size_t size = 0;
+    std::size_t used = 0;
+  };
+  static constexpr std::size_t kBlock = 65536;
+  static constexpr std::array<std::string_view, 4> kSeparators = {"", " ", "\\t", "\\n"};
   static constexpr std::size_t RankOf(char separator) {
     return separator == ' ' ? 1 : separator == '\t' ? 2 : 3;
   }
 
-  std::deque<std::string> parts_;
+  void AddBlock(std::size_t size) {
+    blocks_.push_back({std::make_unique_for_overwrite<char[]>(size), size});
+  }
+  char *Room(std::size_t size) {
+    if (blocks_.back().size - blocks_.back().used < size) AddBlock(kBlock);
+    return blocks_.back().text.get() + blocks_.back().used;
+  }
+  void Append(std::string_view text) {
+    std::copy(text.begin(), text.end(), Room(text.size()));
+    blocks_.back().used += text.size();
+  }
+  void AddSeparator() {
+    if (separator_ > 1 || !endsBlank_) Append(kSeparators[separator_]);
+    separator_ = 0;
+  }
+
+  std::vector<Block> blocks_;
   std::size_t separator_ = 0;  // that is due before the next text
+  bool empty_ = true;
+  bool endsBlank_ = false;
 };
 
 // One object a document, written as the document comes. docs/json.md describes it.
@@ -78,12 +118,13 @@ class JsonWriter : public BlockSink {
     adapted_ = deck.adapted;
     rest_ = 0;
     rawLinks_.clear();
+    text_.Clear();
     json_.BeginObject();
     Key("format");
     json_.Number(kFormat);
     Member("source", deck.source);
     Optional("sourceBase64", deck.sourceBase64);
-    Optional("sha256", deck.sha256);
+    Optional("xxh128", deck.xxh128);
     Optional("url", deck.url);
     Optional("contentType", deck.contentType);
     Member("charset", deck.charset);
@@ -158,10 +199,9 @@ class JsonWriter : public BlockSink {
     if (card_ != nullptr) AddLabels(*card_);
     Key("text");
     json_.BeginString();
-    for (std::deque<std::string> parts = text_.Take(); !parts.empty(); parts.pop_front()) {
-      json_.StringPart(parts.front());
-    }
+    text_.ForEachPart([&](std::string_view part) { json_.EscapedPart(part); });
     json_.EndString();
+    text_.Clear();
     json_.EndObject();
   }
 
@@ -301,7 +341,7 @@ class JsonWriter : public BlockSink {
   }
 
   // Attributes without a place of their own, tag by tag; those of pictures stand with them.
-  void WriteRest(const std::deque<Remainder> &rest, std::size_t first, std::size_t count) {
+  void WriteRest(const PartList<Remainder> &rest, std::size_t first, std::size_t count) {
     std::uint32_t tag = 0;
     for (std::size_t index = first; index < first + count; ++index) {
       const Remainder &entry = rest[index];
@@ -341,7 +381,8 @@ class JsonWriter : public BlockSink {
       json_.BeginObject();
       inAttributes_ = true;
     }
-    Member(entry.name, entry.value);
+    json_.EscapedKey(entry.name);
+    json_.String(entry.value);
   }
   void EndTag() {
     if (inAttributes_) json_.EndObject();
@@ -510,9 +551,9 @@ class JsonWriter : public BlockSink {
 
   // Text of the card, which is part of its plain text, too.
   void WriteText(std::string_view text) {
-    text_.Begin();
-    text_.Add(text);
-    json_.String(text);
+    json_.BeginString();
+    text_.Add(text, [&](std::string_view part) { json_.EscapedPart(part); });
+    json_.EndString();
   }
 
   // What a link is listed under; in a document that was not adapted they are listed as they
@@ -577,8 +618,7 @@ class JsonWriter : public BlockSink {
   void AddWords(std::string_view words) {
     if (words.empty()) return;
     text_.Separate(' ');
-    text_.Begin();
-    text_.Add(words);
+    text_.Add(words, [](std::string_view) {});
     text_.Separate(' ');
   }
 

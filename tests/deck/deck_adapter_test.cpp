@@ -58,6 +58,8 @@ constexpr ContentCase kMarkup[] = {
     {"</p><pre>a\n  b</pre>", "<p><pre>a\n  b</pre>"},
     {"<pre>a<img src='i' alt='A'/>b</pre>", "<pre>aAb</pre>"},
     {"a<img/>b<img src=''/>c", "abc"},
+    {"a</br>b<br></br>c<br/></br>d", "a<br/>b<br/>c<br/><br/>d"},
+    {"<p align=\u201Cright\u201D>a<b x=\u2018>b</b>", "<p align=\"right\">a<b>b</b>"},
 };
 INSTANTIATE_TEST_SUITE_P(Markup, Content, testing::ValuesIn(kMarkup));
 
@@ -72,6 +74,8 @@ constexpr ContentCase kCharacters[] = {
      "α&vepsilon;&unknown;&amp;averylongname; &amp;x"},
     {"a\x0E\x1B$(B\x7F\xC2\x85z", "a$$(Bz"},
     {"$$ $5 $ $( $(a b) $(x:y)", "$$ $$5 $$ $$( $$(a b) $$(x:y)"},
+    {"$(&#x59;) $&#89;z&amp; &#36;(a.b) $a&#98;", "{Y} {Yz}&amp; {a.b} {ab}"},
+    {"$&nbsp;$(&nbsp;) $a&nbsp;", "$$\u00A0$$(\u00A0) {a}\u00A0"},
     {"$_a1 $(_b) $1 $(a $(a: $(a:e", "{_a1} {_b} $$1 $$(a $$(a: $$(a:e"},
     {"$x $(x) $(x:e) $x:escape", "{x} {x} {x} {x}:escape"},
 };
@@ -87,6 +91,10 @@ constexpr ContentCase kLinks[] = {
      "<a href=\"unwml:a:0\">a</a><a href=\"unwml:a:1\">b</a><a href=\"unwml:a:0\">c</a>d"},
     {"<a href='1'>a<b>b</a>c</b>", "<a href=\"unwml:a:0\">a<b>b</b></a><b>c</b>"},
     {"<anchor> <go href='x'/> text </anchor>.", "  <a href=\"unwml:a:0\">text</a> ."},
+    {"<anchor href='u'>x</anchor>", "<a href=\"unwml:a:0\">x</a>"},
+    // WML 1.0: the task stands in the link.
+    {"<A TITLE='t'><GO URL='u'/>x</A>y", "<a href=\"unwml:a:0\">x</a>y"},
+    {"<A>x<GO URL='u'/></A>y<A>z</A>", "<a href=\"unwml:a:0\">x</a>yz"},
     {"<anchor title='t'><prev/></anchor>", "<a href=\"unwml:a:0\">t</a>"},
     {"<anchor><go href='x'>inside</go></anchor>", "<a href=\"unwml:a:0\">inside</a>"},
     {"<do type='prev'><prev/></do>text", "text<p><a href=\"unwml:a:0\">Back</a>"},

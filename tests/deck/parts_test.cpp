@@ -110,6 +110,33 @@ TEST(Parts, TasksHoldTheirFieldsAndVariables) {
   EXPECT_EQ(deck.warnings.size(), 1U) << "more than one task";
 }
 
+// What WML 1.0 calls things by another name.
+TEST(Parts, OldNamesAreUnderstood) {
+  const AdaptedDeck deck = AdaptDeck(
+      "<WML><CARD NAME='c'><DO TYPE='ACCEPT'><GO URL='u' POSTDATA='p=$k'><VAR NAME='v' VALUE='w'/>"
+      "</GO></DO><INPUT KEY='k' DEFAULT='d'/><SELECT KEY='s' DEFAULT='b' IKEY='i' IDEFAULT='1'>"
+      "<OPTION VALUE='a' ONCLICK='#x'>A</SELECT><TIMER KEY='t' DEFAULT='9'/></CARD></WML>");
+  const DeckParts &parts = deck.parts;
+  const DeckCard &card = parts.cards[0];
+  EXPECT_EQ(card.id, "c");
+  ASSERT_TRUE(card.timer);
+  EXPECT_EQ(card.timer->name, "t");
+  EXPECT_EQ(card.timer->value.shown, "9");
+  const Task &task = parts.actions[0].task;
+  EXPECT_EQ(task.target.shown, "u");
+  EXPECT_EQ(task.details->postData.written, "p=$k");
+  EXPECT_TRUE(task.Posts());
+  ASSERT_EQ(task.Variables().size(), 1U);
+  EXPECT_EQ(task.Variables()[0].value.shown, "w");
+  EXPECT_EQ(parts.fields[0].name, "k");
+  EXPECT_EQ(parts.fields[0].value.shown, "d");
+  EXPECT_EQ(parts.fields[1].name, "s");
+  EXPECT_EQ(parts.fields[1].details->indexName, "i");
+  EXPECT_EQ(parts.fields[1].details->indexValue.shown, "1");
+  EXPECT_EQ(parts.actions[parts.options[0].action].task.target.shown, "#x");
+  EXPECT_EQ(parts.remainders.size(), 0U);
+}
+
 TEST(Parts, ActionsAreCalledByWhatTheyHave) {
   const auto label = [](ActionKind kind, const char *text, const char *title, const char *type,
                         const char *name, const char *target) {
@@ -207,7 +234,7 @@ TEST(Parts, FieldsAreShown) {
 TEST(Parts, InputsSayWhatTheyTake) {
   const auto emptyAllowed = [](const std::string &attributes) {
     return AdaptDeck("<wml><card><input " + attributes + "/></card></wml>")
-        .parts.fields.at(0)
+        .parts.fields[0]
         .emptyAllowed;
   };
   EXPECT_TRUE(emptyAllowed(""));

@@ -105,6 +105,37 @@ TEST(Deck, CountsWhatItsCharacterSetDoesNotEncode) {
   EXPECT_TRUE(warnings("&#xFFFD;", "utf-8").empty());
 }
 
+// What the server said is known from who asked it, or else from headers saved in front.
+TEST(Deck, TakesWhatTheServerSaid) {
+  const std::string saved =
+      "HTTP/1.0 200 OK\r\nContent-Type: text/vnd.wap.wml; charset=koi8-r\r\n"
+      "content-location: http://h/saved\r\n\r\n";
+  const std::string deck = "<wml><card><p>\xE5</p></card></wml>";
+  const struct {
+    std::string bytes;
+    const char *contentType;
+    const char *url;
+    const char *said;  ///< content type, address, character set
+  } cases[] = {
+      {deck, "", "", "||windows-1252"},
+      {deck, "text/vnd.wap.wml;Charset=\"windows-1251\"", "http://h/x\n",
+       "text/vnd.wap.wml;Charset=\"windows-1251\"|http://h/x|windows-1251"},
+      {deck, "text/html", "", "text/html||windows-1252"},
+      {saved + deck, "", "", "text/vnd.wap.wml; charset=koi8-r|http://h/saved|koi8-r"},
+      {saved + deck, "a/b; charset=windows-1251", "http://h/y",
+       "a/b; charset=windows-1251|http://h/y|windows-1251"},
+      {"<?xml version='1.0' encoding='iso-8859-5'?>" + deck, "a/b; charset=koi8-r", "",
+       "a/b; charset=koi8-r||iso-8859-5"},
+  };
+  for (const auto &item : cases) {
+    DeckOptions options;
+    options.contentType = item.contentType;
+    options.url = item.url;
+    const DeckInfo info = PrepareDeck("x", item.bytes, options).info;
+    EXPECT_EQ(info.contentType + '|' + info.url + '|' + info.charset, item.said);
+  }
+}
+
 // A tag is found in any case, and whatever stands before it.
 TEST(Deck, IsWmlWhenItHasADeckOrACard) {
   for (const char *document : {"<wml>", "<WmL>", "text <card>", "<html><Card/>", "<<wml", "<a<wml>",
