@@ -131,6 +131,7 @@ struct FieldOption {
 
 /// What few fields have.
 struct FieldDetails {
+  std::string_view format;  ///< of an input: the mask of what may be typed
   std::string_view accessKey;
   std::string_view tabIndex;
   std::string_view indexName;  ///< of a select: the variable of the position, `iname`
@@ -159,6 +160,8 @@ struct Field {
   std::string_view sentName;
   std::unique_ptr<FieldDetails> details;  ///< null: none
 
+  /// The mask of what may be typed into an input.
+  std::string_view Format() const { return details ? details->format : std::string_view(); }
   /// The variable that it sets, whether by value or by position.
   std::string_view Variable() const;
   /// What people know it by: its title, else its variable.

@@ -51,11 +51,13 @@ PartIndex FieldCollector::AddInput(const Token &token) {
     field.name = values_.Plain(token.Find("name", "key"));
     field.title = values_.Line(token.Find("title"));
     field.type = values_.Lowered(token.Find("type"));
-    field.format = values_.Plain(token.Find("format"));
+    if (const auto *format = token.Find("format"); format != nullptr) {
+      DetailsOf(field).format = values_.Plain(format);
+    }
     field.value = values_.Text(token.Find("value", "default"));
     field.size = ValueReader::Number(token.Find("size"));
     field.length = ValueReader::Number(token.Find("maxlength"));
-    field.emptyAllowed = ValueReader::Flag(token.Find("emptyok"), field.format.empty());
+    field.emptyAllowed = ValueReader::Flag(token.Find("emptyok"), field.Format().empty());
     ReadFocus(field, token);
   }
   return Add(std::move(field));

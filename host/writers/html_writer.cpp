@@ -559,7 +559,7 @@ class HtmlWriter : public BlockSink {
     if (field.size != 0 && !isButton) out_ << " size=\"" << std::size_t{field.size} << '"';
     if (field.length != 0 && !isButton) out_ << " maxlength=\"" << std::size_t{field.length} << '"';
     if (field.details) WriteAccessKey(field.details->accessKey);
-    if (!field.format.empty()) WriteTitle("format " + std::string(field.format));
+    if (!field.Format().empty()) WriteTitle("format " + std::string(field.Format()));
     out_ << '>';
     if (!isButton) EndLabel(field);
   }

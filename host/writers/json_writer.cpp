@@ -461,7 +461,7 @@ class JsonWriter : public BlockSink {
     Index("fieldset", field.fieldset);
     Said("type", field.type);
     Said("value", "valueRead", field.value);
-    Said("format", field.format);
+    Said("format", field.Format());
     if (field.size != 0) Number("size", field.size);
     if (field.length != 0) Number("maxLength", field.length);
     if (!field.emptyAllowed) Flag("emptyAllowed", false);

@@ -279,7 +279,7 @@ TEST(DeckAdapter, TellsTheParts) {
   EXPECT_EQ(card.fieldCount, 1U);
   EXPECT_EQ(parts.fields[0].length, 5U);
   EXPECT_EQ(parts.fields[0].size, 3U);
-  EXPECT_EQ(parts.fields[0].format, "*N");
+  EXPECT_EQ(parts.fields[0].Format(), "*N");
   EXPECT_TRUE(parts.fields[0].emptyAllowed);
   ASSERT_EQ(parts.pictures.size(), 1U);
   EXPECT_EQ(parts.pictures[0].localSource.shown, "smiley");
