@@ -148,7 +148,6 @@ struct Field {
   std::string_view name;          ///< of the variable
   Value title;
   std::string_view type;     ///< of an input: "text", "password", in lower case
-  std::string_view format;   ///< of an input: the mask of what may be typed
   Value value;               ///< the default
   std::uint32_t size = 0;    ///< of an input: columns, 0: not given
   std::uint32_t length = 0;  ///< of an input: the most characters, 0: no limit
