@@ -105,16 +105,13 @@ void NameDeck(DeckInfo &info, std::string name) {
   }
 }
 
-void Adapt(Deck &deck, std::string_view text, const DeckOptions &options) {
-  AdaptedDeck adapted = AdaptDeck(text, {options.variables});
-  if (!options.base.empty()) ResolveTargets(adapted.parts, BaseUrl(options.base));
-  deck.bytes = std::move(adapted.served);
-  deck.tags = std::move(adapted.tags);
-  deck.info.adapted = true;
-  deck.info.parts = std::move(adapted.parts);
-  std::vector<Warning> &warnings = deck.info.warnings;
-  warnings.insert(warnings.end(), std::make_move_iterator(adapted.warnings.begin()),
-                  std::make_move_iterator(adapted.warnings.end()));
+DeckInfo InfoOf(std::string name, std::string_view bytes, const DeckOptions &options) {
+  DeckInfo info;
+  NameDeck(info, std::move(name));
+  info.url = WithoutControls(RepairUtf8(options.url));
+  info.contentType = WithoutControls(RepairUtf8(options.contentType));
+  if (options.digest) info.xxh128 = Xxh128(bytes);
+  return info;
 }
 
 }  // namespace
@@ -126,33 +123,51 @@ bool IsFilterIdentity(long identity) {
                                       });
 }
 
+DeckText DecodeDeck(std::string name, std::string bytes, const DeckOptions &options) {
+  DeckText deck;
+  deck.info = InfoOf(std::move(name), bytes, options);
+  if (bytes.empty()) throw NotWml("empty document");
+  deck.text = TextOf(std::move(bytes), options, deck.info);
+  RequireWml(deck.text);
+  TakeSavedHeaders(deck.text, deck.info);
+  if (const std::size_t count = CountReplacements(deck.text); count != 0) {
+    WarnOfAll(deck.info,
+              {std::to_string(count) + " places are not well-formed in the character set"});
+  }
+  return deck;
+}
+
+Deck AdaptText(std::string_view text, DeckInfo info, const DeckOptions &options) {
+  Deck deck;
+  deck.info = std::move(info);
+  AdaptedDeck adapted = AdaptDeck(text, {options.variables, options.live});
+  if (!options.base.empty()) ResolveTargets(adapted.parts, BaseUrl(options.base));
+  deck.bytes = std::move(adapted.served);
+  deck.tags = std::move(adapted.tags);
+  deck.info.adapted = true;
+  deck.info.parts = std::move(adapted.parts);
+  std::vector<Warning> &warnings = deck.info.warnings;
+  warnings.insert(warnings.end(), std::make_move_iterator(adapted.warnings.begin()),
+                  std::make_move_iterator(adapted.warnings.end()));
+  deck.identity = kServedIdentity;
+  deck.servedAsUtf8 = true;
+  return deck;
+}
+
 Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options) {
   Deck deck;
-  NameDeck(deck.info, std::move(name));
-  deck.info.url = WithoutControls(RepairUtf8(options.url));
-  deck.info.contentType = WithoutControls(RepairUtf8(options.contentType));
-  if (options.digest) deck.info.xxh128 = Xxh128(bytes);
   if (options.identity) {
+    deck.info = InfoOf(std::move(name), bytes, options);
     deck.identity = *options.identity;
     deck.info.charset = "identity " + std::to_string(*options.identity);
     deck.info.charsetOrigin = CharsetOrigin::kIdentity;
     deck.bytes = std::move(bytes);
     return deck;
   }
-
-  if (bytes.empty()) throw NotWml("empty document");
-  std::string text = TextOf(std::move(bytes), options, deck.info);
-  RequireWml(text);
-  TakeSavedHeaders(text, deck.info);
-  if (const std::size_t count = CountReplacements(text); count != 0) {
-    deck.info.warnings.push_back(
-        {0, std::to_string(count) + " places are not well-formed in the character set", {}});
-  }
-  if (options.raw) {
-    deck.bytes = MakeServedBytes(text);
-  } else {
-    Adapt(deck, text, options);
-  }
+  DeckText decoded = DecodeDeck(std::move(name), std::move(bytes), options);
+  if (!options.raw) return AdaptText(decoded.text, std::move(decoded.info), options);
+  deck.info = std::move(decoded.info);
+  deck.bytes = MakeServedBytes(decoded.text);
   deck.identity = kServedIdentity;
   deck.servedAsUtf8 = true;
   return deck;

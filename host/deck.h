@@ -26,6 +26,7 @@ struct DeckOptions {
   std::string charset;      ///< believed before everything else; empty: find it
   std::string contentType;  ///< what the server called it ("text/vnd.wap.wml; charset=...")
   std::string url;          ///< where it came from
+  bool live = false;        ///< as a user agent shows it, see AdapterOptions
   bool digest = false;      ///< fill DeckInfo::xxh128
   /// Serve the bytes untouched, under this filter identity.
   std::optional<std::int16_t> identity;
@@ -50,6 +51,19 @@ class NotWml : public std::runtime_error {
 /// Turns the bytes of a document into a deck. `name` may have any bytes. Throws NotWml, BrokenWmlc,
 /// and std::invalid_argument when the base is no absolute address.
 Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options);
+
+/// A document in UTF-8, and what is known of it.
+struct DeckText {
+  std::string text;
+  DeckInfo info;
+};
+
+/// The first half of PrepareDeck, for documents that are not served untouched: the text of a
+/// document, decoded. Throws NotWml and BrokenWmlc.
+DeckText DecodeDeck(std::string name, std::string bytes, const DeckOptions &options);
+/// The second half: a deck of the text, or of a card in it. Throws std::invalid_argument when the
+/// base is no absolute address.
+Deck AdaptText(std::string_view text, DeckInfo info, const DeckOptions &options);
 
 /// Whether an identity is one of those in WmlOverlayId.
 bool IsFilterIdentity(long identity);

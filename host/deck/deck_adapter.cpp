@@ -45,8 +45,9 @@ class DeckAdapter {
  public:
   DeckAdapter(std::string_view document, const AdapterOptions &options)
       : document_(document),
+        live_(options.live),
         warnings_(document),
-        survey_(document, options.variables),
+        survey_(document, options.variables, options.live),
         values_(survey_, adapted_.parts.texts, kBudgetFactor * document.size() + kBudgetBase),
         writer_(document.size() + document.size() / 4),
         actions_(adapted_.parts, values_, warnings_),
@@ -180,6 +181,7 @@ class DeckAdapter {
   bool Leads(const FieldOption &option) const;
 
   std::string_view document_;
+  bool live_;
   Warnings warnings_;
   DeckSurvey survey_;
   AdaptedDeck adapted_;
@@ -606,6 +608,8 @@ void DeckAdapter::OpenCard(DeckCard card, std::size_t offset) {
   card.firstField = static_cast<PartIndex>(parts.fields.size());
   card.firstRemainder = static_cast<PartIndex>(parts.remainders.size());
   card.firstVariable = static_cast<PartIndex>(parts.textVariables.size());
+  card.offset = static_cast<std::uint32_t>(offset);
+  card.firstPart = static_cast<PartIndex>(parts.actions.size());
   cardAction_ = parts.actions.size();
   parts.cards.push_back(std::move(card));
   actions_.BeginCard();
@@ -624,7 +628,7 @@ void DeckAdapter::CloseCard() {
   actions_.EndCard(card);
   writer_.CloseAll();
   ConnectFields(card);
-  ShowActions(card);
+  if (!live_) ShowActions(card);
   writer_.EndCard();
   inCard_ = false;
 }
@@ -947,6 +951,7 @@ void DeckAdapter::EndSelect(const Token &) {
   if (!fields_.InSelect()) return;
   const PartIndex index = fields_.EndSelect();
   ShowField(index);
+  if (live_) return;
   const PartList<FieldOption> &options = adapted_.parts.options;
   const Field &field = adapted_.parts.fields[index];
   for (PartIndex i = 0; i < field.optionCount; ++i) {

@@ -24,6 +24,9 @@ namespace vs_wml {
 
 struct AdapterOptions {
   std::map<std::string, std::string> variables;  ///< values, by name
+  /// As a user agent shows it: variables without a value are empty, and what keys and events do
+  /// is not part of the text.
+  bool live = false;
 };
 
 struct AdaptedDeck {

@@ -212,6 +212,8 @@ struct DeckCard {
   PartIndex firstVariable = 0;  ///< in DeckParts::textVariables
   PartIndex variableCount = 0;
   std::unique_ptr<Timer> timer;  ///< null: none
+  std::uint32_t offset = 0;      ///< of its tag in the document, in bytes of UTF-8
+  PartIndex firstPart = 0;       ///< in DeckParts::actions, of all that stand in the card
 };
 
 struct Meta {

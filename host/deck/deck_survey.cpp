@@ -124,7 +124,7 @@ std::size_t DeckSurvey::TableColumns(std::size_t table) {
 }
 
 const Variables &DeckSurvey::KnownVariables() {
-  Read();
+  if (!onlyGiven_) Read();
   return variables_;
 }
 

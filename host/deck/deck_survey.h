@@ -20,9 +20,11 @@ namespace vs_wml {
 /// nothing is.
 class DeckSurvey {
  public:
-  /// `document` has to outlive the survey; `given` are the user's values of variables.
-  DeckSurvey(std::string_view document, const std::map<std::string, std::string> &given)
-      : document_(document), variables_(given) {}
+  /// `document` has to outlive the survey; `given` are the user's values of variables. With
+  /// `onlyGiven`, all others are empty, whatever the document says.
+  DeckSurvey(std::string_view document, const std::map<std::string, std::string> &given,
+             bool onlyGiven = false)
+      : document_(document), variables_(given, onlyGiven), onlyGiven_(onlyGiven) {}
 
   bool HasCards();
   /// The most cells that a row of a table has, 0 when there is no such table; those that
@@ -36,6 +38,7 @@ class DeckSurvey {
 
   std::string_view document_;
   Variables variables_;
+  bool onlyGiven_;
   bool read_ = false;
   bool hasCards_ = false;
   std::vector<std::uint16_t> tableColumns_;

@@ -110,9 +110,10 @@ std::string PercentDecode(std::string_view text) {
   return decoded;
 }
 
-Variables::Variables(const std::map<std::string, std::string> &given) {
+Variables::Variables(const std::map<std::string, std::string> &given, bool onlyGiven)
+    : onlyGiven_(onlyGiven) {
   for (const auto &[name, text] : given) {
-    values_[name] = {text, true, text.size() > kLongestValue, {}};
+    values_[name] = {text, true, !onlyGiven && text.size() > kLongestValue, {}};
   }
 }
 
@@ -142,7 +143,9 @@ void Variables::Unsettle(const std::string &name) {
 }
 
 const std::string *Variables::Find(std::string_view name, std::size_t card) const {
+  static const std::string kNotSet;
   const auto found = values_.find(name);
+  if (found == values_.end() && onlyGiven_) return &kNotSet;
   if (found == values_.end() || found->second.unsettled) return nullptr;
   const Known &known = found->second;
   const bool isSet =

@@ -72,7 +72,8 @@ class Variables {
  public:
   /// The values given by the user, which win over the deck's. Longer values than
   /// kLongestValue count as unknown.
-  explicit Variables(const std::map<std::string, std::string> &given);
+  /// With `onlyGiven`, all others are empty.
+  explicit Variables(const std::map<std::string, std::string> &given, bool onlyGiven = false);
 
   /// Notes that the deck sets `name` to `value`, on entering the card when that is not 0.
   void Suggest(const std::string &name, const std::string &value, std::size_t card);
@@ -107,6 +108,7 @@ class Variables {
   };
   Known *Note(const std::string &name);
 
+  bool onlyGiven_;
   std::map<std::string, Known, std::less<>> values_;
 };
 
