@@ -33,6 +33,8 @@ def seeds(path):
     yield "unwml", b"\0" + document
     yield "unwml", bytes([identity + 1]) + document
     yield "adapter", document
+    # Links and keys followed, a field filled, an option chosen, time, and back.
+    yield "agent", b"\x08\0\0\1\0\2\x30\3\x21\5\x14\0\1\4\0\7\1" + document
 
 
 # Compiled decks and a picture, which are no text. A character number, names of the string table
