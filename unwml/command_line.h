@@ -43,6 +43,7 @@ struct CommandLine {
   std::size_t jobs = 1;
   bool quiet = false;
   std::optional<bool> summary;
+  bool flow = false;
   bool raw = false;
   bool remoteImages = false;
   bool help = false;

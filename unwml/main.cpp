@@ -6,6 +6,7 @@
 
 #include "batch.h"
 #include "convert.h"
+#include "flows.h"
 #include "inputs.h"
 #include "messages.h"
 #include "options.h"
@@ -48,6 +49,7 @@ int ConvertInputs(const Options &options, const Inputs &inputs, StandardOutput &
 }
 
 int Run(Options options) {
+  if (options.flow) return PlayFlows(options.inputs);
   std::optional<SignalWatch> watch;
   if (options.output || options.pager) watch.emplace();
   const Inputs inputs = FindInputs(options);

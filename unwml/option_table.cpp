@@ -21,7 +21,8 @@ constexpr std::size_t kMostColumns = 100000;
 constexpr std::size_t kMostJobs = 256;
 
 constexpr const char *kTitles[kCategories] = {
-    "Input", "Output", "Reading", "Text on a terminal", "Running", "Looking inside", "Help",
+    "Input",   "Output",  "Reading",        "Text on a terminal",
+    "Running", "Playing", "Looking inside", "Help",
 };
 
 constexpr OptionRow kRows[] = {
@@ -193,6 +194,14 @@ constexpr OptionRow kRows[] = {
      .detail = "The default for several documents when standard error is a terminal, or when "
                "there were warnings to tell.",
      .set = [](CommandLine &line, const Given &given) { line.summary = given.on; }},
+
+    {.category = Category::kPlaying,
+     .name = "flow",
+     .brief = "play the FILEs as flows: decks, step by step",
+     .detail = "A flow is a JSON file with the documents that a network would answer with, what a "
+               "person does with a phone, and what must hold then. Each is told as ok or FAIL. "
+               "The status is 1 when one fails, 2 when a file is no flow. See docs/flows.md.",
+     .set = [](CommandLine &line, const Given &) { line.flow = true; }},
 
     {.category = Category::kInside,
      .name = "raw",

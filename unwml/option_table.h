@@ -14,8 +14,8 @@
 namespace unwml {
 
 /// The parts of the help and of the manual.
-enum class Category { kInput, kOutput, kReading, kText, kRunning, kInside, kHelp };
-inline constexpr std::size_t kCategories = 7;
+enum class Category { kInput, kOutput, kReading, kText, kRunning, kPlaying, kInside, kHelp };
+inline constexpr std::size_t kCategories = 8;
 
 /// What an option takes: exactly one value, or none.
 enum class Argument { kNone, kText, kNumber, kChoice, kFile, kFolder };

@@ -188,6 +188,7 @@ Options Settled(const CommandLine &line) {
   options.jobs = line.jobs;
   options.quiet = line.quiet;
   options.summary = line.summary;
+  options.flow = line.flow;
   SettleInputs(line, options);
   SettleOutput(line, options);
   SettleFormat(line, options);

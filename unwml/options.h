@@ -40,6 +40,7 @@ struct Options {
   bool quiet = false;
   std::optional<bool> summary;  ///< nothing: where it makes sense
   bool pager = false;           ///< may be started
+  bool flow = false;            ///< the inputs are flows to play
   const FormatRow *format = kFormats;
   vs_wml::WriterOptions writer;
   vs_wml::DeckOptions deck;
