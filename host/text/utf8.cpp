@@ -354,14 +354,14 @@ std::string WithVisibleFormats(std::string_view text) {
 }
 
 bool HasDirections(std::string_view text) {
-  // U+202A to U+202E, and U+2066 to U+2069
-  return text.find("\xE2\x80\xAA") != std::string_view::npos ||
-         text.find("\xE2\x80\xAB") != std::string_view::npos ||
-         text.find("\xE2\x80\xAD") != std::string_view::npos ||
-         text.find("\xE2\x80\xAE") != std::string_view::npos ||
-         text.find("\xE2\x81\xA6") != std::string_view::npos ||
-         text.find("\xE2\x81\xA7") != std::string_view::npos ||
-         text.find("\xE2\x81\xA8") != std::string_view::npos;
+  constexpr char kFirstByte = '\xE2';
+  for (std::size_t at = text.find(kFirstByte); at != std::string_view::npos;
+       at = text.find(kFirstByte, at)) {
+    const char32_t character = NextCharacter(text, at);
+    const bool embeds = character >= 0x202A && character <= 0x202E && character != 0x202C;
+    if (embeds || (character >= 0x2066 && character <= 0x2068)) return true;
+  }
+  return false;
 }
 
 std::string Isolated(std::string_view text) {

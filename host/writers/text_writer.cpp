@@ -244,7 +244,8 @@ class TextWriter : public BlockSink {
 
   // Lays out the runs of a paragraph or a cell: where they stand in flat_.text.
   Extent Flatten(const Content &content) {
-    flat_.directed = HasDirections(content.text);
+    const Extent part = ExtentOf(content.runs);
+    flat_.directed = HasDirections(content.text.substr(part.begin, part.end - part.begin));
     if (!IsBareText(content)) return Make(content);
     flat_.text = content.text;
     if (color_) {
