@@ -96,7 +96,7 @@ void TakeSavedHeaders(std::string_view text, DeckInfo &info) {
   }
 }
 
-void NameDeck(DeckInfo &info, std::string name) {
+void NameDeck(DeckInfo &info, std::string_view name) {
   if (!IsValidUtf8(name)) AppendBase64(info.sourceBase64, name);
   info.source = RepairUtf8(name);
   for (std::size_t offset = 0; offset < info.source.size();) {
@@ -105,9 +105,9 @@ void NameDeck(DeckInfo &info, std::string name) {
   }
 }
 
-DeckInfo InfoOf(std::string name, std::string_view bytes, const DeckOptions &options) {
+DeckInfo InfoOf(std::string_view name, std::string_view bytes, const DeckOptions &options) {
   DeckInfo info;
-  NameDeck(info, std::move(name));
+  NameDeck(info, name);
   info.url = WithoutControls(RepairUtf8(options.url));
   info.contentType = WithoutControls(RepairUtf8(options.contentType));
   if (options.digest) info.xxh128 = Xxh128(bytes);
@@ -123,9 +123,9 @@ bool IsFilterIdentity(long identity) {
                                       });
 }
 
-DeckText DecodeDeck(std::string name, std::string bytes, const DeckOptions &options) {
+DeckText DecodeDeck(std::string_view name, std::string bytes, const DeckOptions &options) {
   DeckText deck;
-  deck.info = InfoOf(std::move(name), bytes, options);
+  deck.info = InfoOf(name, bytes, options);
   if (bytes.empty()) throw NotWml("empty document");
   deck.text = TextOf(std::move(bytes), options, deck.info);
   RequireWml(deck.text);
@@ -154,17 +154,17 @@ Deck AdaptText(std::string_view text, DeckInfo info, const DeckOptions &options)
   return deck;
 }
 
-Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options) {
+Deck PrepareDeck(std::string_view name, std::string bytes, const DeckOptions &options) {
   Deck deck;
   if (options.identity) {
-    deck.info = InfoOf(std::move(name), bytes, options);
+    deck.info = InfoOf(name, bytes, options);
     deck.identity = *options.identity;
     deck.info.charset = "identity " + std::to_string(*options.identity);
     deck.info.charsetOrigin = CharsetOrigin::kIdentity;
     deck.bytes = std::move(bytes);
     return deck;
   }
-  DeckText decoded = DecodeDeck(std::move(name), std::move(bytes), options);
+  DeckText decoded = DecodeDeck(name, std::move(bytes), options);
   if (!options.raw) return AdaptText(decoded.text, std::move(decoded.info), options);
   deck.info = std::move(decoded.info);
   deck.bytes = MakeServedBytes(decoded.text);

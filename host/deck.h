@@ -50,7 +50,7 @@ class NotWml : public std::runtime_error {
 
 /// Turns the bytes of a document into a deck. `name` may have any bytes. Throws NotWml, BrokenWmlc,
 /// and std::invalid_argument when the base is no absolute address.
-Deck PrepareDeck(std::string name, std::string bytes, const DeckOptions &options);
+Deck PrepareDeck(std::string_view name, std::string bytes, const DeckOptions &options);
 
 /// A document in UTF-8, and what is known of it.
 struct DeckText {
@@ -60,7 +60,7 @@ struct DeckText {
 
 /// The first half of PrepareDeck, for documents that are not served untouched: the text of a
 /// document, decoded. Throws NotWml and BrokenWmlc.
-DeckText DecodeDeck(std::string name, std::string bytes, const DeckOptions &options);
+DeckText DecodeDeck(std::string_view name, std::string bytes, const DeckOptions &options);
 /// The second half: a deck of the text, or of a card in it. Throws std::invalid_argument when the
 /// base is no absolute address.
 Deck AdaptText(std::string_view text, DeckInfo info, const DeckOptions &options);

@@ -97,13 +97,16 @@ std::string ZshAction(const OptionRow &row) {
 void PrintZsh(std::ostream &out) {
   out << "#compdef unwml\n_unwml() {\n  _arguments -s -S \\\n";
   for (const OptionRow &row : OptionTable()) {
-    const std::string takes = row.argument == Argument::kNone ? "" : "=";
+    const bool takesOne = row.argument != Argument::kNone;
     const std::string rest = Bracketed(row.brief) + ZshAction(row);
-    out << "    " << Quoted(std::string("*--") + row.name + takes + rest) << " \\\n";
+    std::string option("*--");
+    option.append(row.name).append(takesOne ? "=" : "").append(rest);
+    out << "    " << Quoted(option) << " \\\n";
     if (row.negatable) out << "    '*--no-" << row.name << "' \\\n";
     if (row.letter == '\0') continue;
-    const std::string attached = row.argument == Argument::kNone ? "" : "+";
-    out << "    " << Quoted(std::string("*-") + row.letter + attached + rest) << " \\\n";
+    std::string letter("*-");
+    letter.append(1, row.letter).append(takesOne ? "+" : "").append(rest);
+    out << "    " << Quoted(letter) << " \\\n";
   }
   out << R"(    '*:file:_files'
 }

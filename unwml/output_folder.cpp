@@ -167,7 +167,7 @@ bool PendingFile::Create() {
 
 PendingFile::~PendingFile() {
   const auto held = HoldSignals();
-  if (!temporary_.empty()) Undo();
+  if (!temporary_.empty()) PendingFile::Undo();
   End(held);
 }
 

@@ -328,7 +328,7 @@ class TextWriter : public BlockSink {
 
   // The target of a link in the list, which terminals that can make a link of.
   std::string ListedTarget(const Link &link) const {
-    const std::string shown = WithVisibleFormats(LinkTargetText(link));
+    std::string shown = WithVisibleFormats(LinkTargetText(link));
     if (!hyperlinks_ || !HasScheme(link.target) ||
         reader_.OutcomeOf(link) != LinkOutcome::kFollowed) {
       return shown;
