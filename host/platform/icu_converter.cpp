@@ -8,6 +8,7 @@
 #include <new>
 
 #include "host/platform/converter.h"
+#include "host/platform/per_thread.h"
 
 namespace vs_wml {
 namespace {
@@ -49,18 +50,29 @@ class Converter {
   bool failed_ = false;
 };
 
-// Opening a converter is slow: each thread keeps those that it has met.
-Converter &ConverterOf(CharsetId id) {
-  thread_local std::array<Converter, kCharsetCount> converters;
-  return converters[static_cast<std::size_t>(id)];
+struct CloseDetector {
+  void operator()(UCharsetDetector *detector) const { ucsdet_close(detector); }
+};
+
+/// Opening a converter or detector is slow: each thread keeps those that it has met.
+struct Opened {
+  std::array<Converter, kCharsetCount> sources;
+  Converter target;  // of UTF-8, also when the source is
+  std::unique_ptr<UCharsetDetector, CloseDetector> detector;
+};
+
+Opened &OpenedHere() {
+  static PerThread<Opened> opened;
+  return opened.Get();
 }
 
 }  // namespace
 
 void AppendConverted(std::string &text, std::string_view bytes, const Charset &charset) {
-  Converter &source = ConverterOf(charset.id);
+  Opened &opened = OpenedHere();
+  Converter &source = opened.sources[static_cast<std::size_t>(charset.id)];
   UConverter *from = source.Ready(charset);
-  thread_local Converter target;  // of UTF-8, also when the source is
+  Converter &target = opened.target;
   UConverter *to = target.Ready(CharsetOf(CharsetId::kUtf8));
   UChar pivot[1024];
   UChar *pivotSource = pivot;
@@ -87,11 +99,8 @@ void AppendConverted(std::string &text, std::string_view bytes, const Charset &c
 }
 
 std::string GuessCharset(std::string_view sample) {
-  struct CloseDetector {
-    void operator()(UCharsetDetector *detector) const { ucsdet_close(detector); }
-  };
   UErrorCode status = U_ZERO_ERROR;
-  thread_local std::unique_ptr<UCharsetDetector, CloseDetector> detector;
+  auto &detector = OpenedHere().detector;
   if (!detector) detector.reset(ucsdet_open(&status));
   if (!detector) throw std::bad_alloc();
   status = U_ZERO_ERROR;

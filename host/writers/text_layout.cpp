@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 
+#include "host/platform/per_thread.h"
 #include "host/text/byte_scan.h"
 #include "host/text/utf8.h"
 
@@ -89,7 +90,8 @@ class BreakFinder {
  private:
   // Opening an iterator is slow: each thread keeps its own.
   static UBreakIterator *WideIterator() {
-    thread_local std::unique_ptr<UBreakIterator, CloseIterator> iterator;
+    static PerThread<std::unique_ptr<UBreakIterator, CloseIterator>> iterators;
+    auto &iterator = iterators.Get();
     if (!iterator) {
       UErrorCode status = U_ZERO_ERROR;
       iterator.reset(ubrk_open(UBRK_LINE, "", nullptr, 0, &status));

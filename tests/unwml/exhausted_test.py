@@ -2,10 +2,9 @@
 """exhausted_test.py UNWML FAILING_HEAP SOURCE: batches with a heap that fails.
 
 One allocation after the other fails, alone or with all that come after it, in every format, with
-and without -o, from the first use of all libraries on: what they set up once for each thread ends
-the program when it fails. Then the address space is limited. Whatever happens: the program ends by
-itself, every document is either as it is otherwise or named by a message, and nothing is
-half-written.
+and without -o, from the start of the program on. Then the address space is limited. Whatever
+happens: the program ends by itself, every document is either as it is otherwise or named by a
+message, and nothing is half-written.
 """
 import os
 import pathlib
@@ -86,10 +85,9 @@ def check_heap(format_name, decks, work):
         for target in ["files", *stream]:
             folder = work / "out"
             arguments = ["-o", f"{folder}/", *inputs] if target == "files" else inputs
-            first = allocations([word for word in arguments if word not in decks[1:]], work)
             total = allocations(arguments, work)
             whole = unwml(inputs).stdout if target == "stdout" else b""
-            for at in range(first + 1, total + 1, max(1, (total - first) // RUNS)):
+            for at in range(1, total + 1, max(1, total // RUNS)):
                 for mode in ({}, {"VS_WML_FAIL_ON": "1"}):
                     subprocess.run(["rm", "-rf", folder], check=True)
                     what = f"{format_name} -j {jobs} {target}, allocation {at} {' '.join(mode)}"
