@@ -54,8 +54,10 @@ deb: ## build the Debian packages in dist/
 	@cmake --preset deb >/dev/null && cmake --build --preset deb -j $(JOBS)
 	@cd build/deb && cpack
 
-install: build ## install under PREFIX (default /usr/local); DESTDIR is honoured
-	@cmake --install $(BUILD) --prefix $(PREFIX)
+install: ## build what is installed, install it under PREFIX (/usr/local); DESTDIR is honoured
+	@scripts/install-deps build
+	@cmake --preset install >/dev/null && cmake --build --preset install -j $(JOBS)
+	@cmake --install build/install --prefix $(PREFIX)
 	@[ -n "$(DESTDIR)" ] || [ "$$(id -u)" != 0 ] || ldconfig
 
 format: ## clang-format all sources

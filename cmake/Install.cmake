@@ -5,6 +5,10 @@ install(TARGETS vs_wml EXPORT vs_wmlTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
                 COMPONENT library NAMELINK_COMPONENT development)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT library)
+# As in the source tree, so that the links from one to another hold.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(FILES filter/vs_wml.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 # With a relative library folder the .pc file finds its prefix from where it lies, so that
