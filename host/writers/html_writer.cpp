@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <optional>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -79,20 +79,23 @@ std::string Id(std::string_view kind, std::size_t number) {
 
 using Values = std::vector<Submission::Value>;
 
-// The values that are sent whatever is typed.
-std::vector<const Submission::Value *> Fixed(const Submission &submission) {
-  std::vector<const Submission::Value *> fixed;
-  for (const Submission::Value &value : submission.values) {
-    if (value.known && value.variable.empty()) fixed.push_back(&value);
+// What an action sends: whatever is typed, and what is asked for.
+struct Sending {
+  explicit Sending(Submission sent) : submission(std::move(sent)) {
+    for (const Submission::Value &value : submission.values) {
+      const bool isFixed = value.known && value.variable.empty();
+      (isFixed ? fixed : asked).push_back(&value);
+    }
   }
-  return fixed;
-}
 
-bool SameFixed(const Submission &a, const Submission &b) {
-  const auto first = Fixed(a);
-  const auto second = Fixed(b);
+  Submission submission;
+  std::vector<const Submission::Value *> fixed;
+  std::vector<const Submission::Value *> asked;
+};
+
+bool SameFixed(const Sending &a, const Sending &b) {
   return std::equal(
-      first.begin(), first.end(), second.begin(), second.end(),
+      a.fixed.begin(), a.fixed.end(), b.fixed.begin(), b.fixed.end(),
       [](const auto *x, const auto *y) { return x->name == y->name && x->text == y->text; });
 }
 
@@ -110,7 +113,10 @@ class HtmlWriter : public BlockSink {
     ids_.clear();
     accessKeys_.clear();
     forms_.clear();
+    sendings_.clear();
     said_.clear();
+    buttons_.clear();
+    groups_.clear();
     explained_.clear();
     hidden_.clear();
     cards_ = tables_ = fields_ = 0;
@@ -201,9 +207,11 @@ class HtmlWriter : public BlockSink {
  private:
   // A form of the page, which stands at the end of its card.
   struct Form {
-    Submission submission;
-    bool hidesFixed = false;  ///< what is sent whatever is typed is in the form, not on buttons
+    const Sending *sending = nullptr;
     bool written = false;
+
+    /// Whether what is sent whatever is typed is in the form, not on buttons.
+    bool HidesFixed() const { return sending->fixed.size() > 1; }
   };
 
   // The page is named after its first card, or else after the document.
@@ -281,10 +289,10 @@ class HtmlWriter : public BlockSink {
 
   enum class LinkShape { kAnchor, kButton, kInert, kField };
 
-  LinkShape ShapeOf(const Link &link) const {
+  LinkShape ShapeOf(const Link &link) {
     const LinkOutcome outcome = reader_.OutcomeOf(link);
     if (outcome == LinkOutcome::kField) return LinkShape::kField;
-    if (SubmissionOf(link)) return LinkShape::kButton;
+    if (link.action != nullptr && SendingOf(link.actionIndex) != nullptr) return LinkShape::kButton;
     return outcome == LinkOutcome::kFollowed ? LinkShape::kAnchor : LinkShape::kInert;
   }
 
@@ -298,12 +306,7 @@ class HtmlWriter : public BlockSink {
         BeginButton(link);
         break;
       case LinkShape::kAnchor:
-        out_ << "<a";
-        WriteTarget(link);
-        WriteRole(link, "");
-        if (link.action != nullptr) WriteAccessKey(DetailsOf(*link.action).accessKey);
-        WriteTitle(link.title);
-        out_ << '>';
+        BeginAnchor(link);
         break;
       case LinkShape::kInert:
         out_ << "<span";
@@ -330,24 +333,33 @@ class HtmlWriter : public BlockSink {
     if (!words.empty()) WriteAttribute("class", words);
   }
 
-  // A long target that has many users is written for the first of them; later ones lead there
-  // once they would make the page grow out of proportion.
-  void WriteTarget(const Link &link) {
+  // A long target or title that has many users is written for the first of them; later ones
+  // lead there once they would make the page grow out of proportion.
+  void BeginAnchor(const Link &link) {
     const bool known = link.actionIndex != kNoIndex;
     const std::size_t size = link.target.size() + link.title.size();
-    if (!known || size < RepeatBudget::kShort) {
-      repeats_.Earn(known ? 0 : size);
-      WriteAttribute("href", EncodeTarget(link.target));
+    const bool isLong = known && size >= RepeatBudget::kShort;
+    const bool first = isLong && said_.insert(link.actionIndex).second;
+    if (isLong && !first && !repeats_.Spend(size)) {
+      BeginReference(link);
       return;
     }
-    if (said_.insert(link.actionIndex).second) {
-      repeats_.Earn(size);
-      WriteAttribute("href", EncodeTarget(link.target));
-      WriteAttribute("id", Id(kLinkId, link.actionIndex));
-      return;
-    }
-    WriteAttribute("href", repeats_.Spend(size) ? EncodeTarget(link.target)
-                                                : '#' + Id(kLinkId, link.actionIndex));
+    if (first || !known) repeats_.Earn(size);
+    out_ << "<a";
+    WriteAttribute("href", EncodeTarget(link.target));
+    if (first) WriteAttribute("id", Id(kLinkId, link.actionIndex));
+    WriteRole(link, "");
+    if (link.action != nullptr) WriteAccessKey(DetailsOf(*link.action).accessKey);
+    WriteTitle(link.title);
+    out_ << '>';
+  }
+
+  // Leads to the first link or button of the same action.
+  void BeginReference(const Link &link) {
+    out_ << "<a";
+    WriteAttribute("href", '#' + Id(kLinkId, link.actionIndex));
+    WriteRole(link, "");
+    out_ << '>';
   }
 
   void EndLink(const Link &link) {
@@ -368,11 +380,14 @@ class HtmlWriter : public BlockSink {
 
   // What cannot be seen of a link, or why it is none, for who reads.
   void WriteWhy(const Link &link) {
+    const auto said = explained_.find(link.actionIndex);
+    if (said != explained_.end() && !repeats_.Spend(said->second)) return;
     const std::string why = reader_.Explanation(link, shape_ != LinkShape::kInert);
     if (why.empty()) return;
-    const bool again = link.actionIndex != kNoIndex && !explained_.insert(link.actionIndex).second;
-    if (again && !repeats_.Spend(why.size())) return;
-    if (!again) repeats_.Earn(why.size());
+    if (said == explained_.end()) {
+      repeats_.Earn(why.size());
+      if (link.actionIndex != kNoIndex) explained_.emplace(link.actionIndex, why.size());
+    }
     out_ << " <span class=\"why\">(";
     EscapeShown(why);
     out_ << ")</span>";
@@ -386,60 +401,74 @@ class HtmlWriter : public BlockSink {
     return value.variable.empty() || found == cardFields_.end() ? nullptr : found->second;
   }
 
-  // The form that what is typed for the submission is in already, with the same fields and all
-  // else that is sent; kNoIndex when there is none.
-  std::size_t SharedForm(const Submission &submission, std::size_t own) const {
+  // The form that what is typed is in already, with the same fields and all else that is sent;
+  // kNoIndex when there is none.
+  std::size_t SharedForm(const Sending &sending, std::size_t own) {
     std::size_t shared = kNoIndex;
-    for (const Submission::Value &value : submission.values) {
-      if (value.known && value.variable.empty()) continue;
-      const Field *field = FieldOf(value);
+    for (const Submission::Value *value : sending.asked) {
+      const Field *field = FieldOf(*value);
       if (field == nullptr || field->action == kNoIndex || field->action == own) return kNoIndex;
-      if (field->sentName != value.name) return kNoIndex;
+      if (field->sentName != value->name) return kNoIndex;
       if (shared != kNoIndex && shared != field->action) return kNoIndex;
       shared = field->action;
     }
     if (shared == kNoIndex) return kNoIndex;
-    const auto other = SubmissionOfAction(shared);
-    if (!other) return kNoIndex;
-    const auto asked = [](const Submission &s) { return s.values.size() - Fixed(s).size(); };
-    const bool fits = asked(*other) == asked(submission) &&
-                      (SameFixed(*other, submission) ||
-                       (Fixed(*other).size() <= 1 && Fixed(submission).size() <= 1));
+    const Sending *other = SendingOf(shared);
+    if (other == nullptr) return kNoIndex;
+    const bool fits =
+        other->asked.size() == sending.asked.size() &&
+        (SameFixed(*other, sending) || (other->fixed.size() <= 1 && sending.fixed.size() <= 1));
     return fits ? shared : kNoIndex;
   }
 
-  std::optional<Submission> SubmissionOfAction(std::size_t index) const {
-    Link link;
-    link.action = &parts_->actions[index];
-    link.target = link.action->task.target.shown;
-    return SubmissionOf(link);
-  }
-
-  Form &FormOf(std::size_t index, const Submission &submission) {
-    Form &form = forms_[index];
-    form.submission = submission;
-    form.hidesFixed = Fixed(submission).size() > 1;
-    return form;
+  // What an action sends; null when it takes no form.
+  const Sending *SendingOf(std::size_t index) {
+    const Action &action = parts_->actions[index];
+    if (!TakesForm(action.task)) return nullptr;
+    const auto [entry, isNew] = sendings_.try_emplace(index);
+    if (isNew) {
+      Link link;
+      link.action = &action;
+      link.target = action.task.target.shown;
+      if (auto submission = SubmissionOf(link)) {
+        entry->second = std::make_unique<Sending>(std::move(*submission));
+      }
+    }
+    return entry->second.get();
   }
 
   void BeginButton(const Link &link) {
-    const Submission submission = *SubmissionOf(link);
     const std::size_t own = link.actionIndex;
-    const std::size_t shared = SharedForm(submission, own);
+    const Sending &sending = *SendingOf(own);
+    const Submission &submission = sending.submission;
+    const std::size_t shared = SharedForm(sending, own);
     const std::size_t index = shared != kNoIndex ? shared : own;
-    if (forms_.count(index) == 0) FormOf(index, *SubmissionOfAction(index));
-    const auto fixed = Fixed(submission);
+    const Form &form = forms_.try_emplace(index, Form{SendingOf(index)}).first->second;
     if (shared == kNoIndex && said_.insert(own).second) AskForValues(submission, own);
+    const Submission::Value *value =
+        !form.HidesFixed() && sending.fixed.size() == 1 && !sending.fixed[0]->name.empty()
+            ? sending.fixed[0]
+            : nullptr;
+    const std::size_t size = link.title.size() +
+                             (value != nullptr ? value->name.size() + value->text.size() : 0) +
+                             (shared != kNoIndex ? submission.address.size() : 0);
+    const bool first = buttons_.count(own) == 0;
+    if (!repeats_.MaySay(buttons_, own, size)) {
+      shape_ = LinkShape::kAnchor;
+      BeginReference(link);
+      return;
+    }
     out_ << "<button";
+    if (first && size >= RepeatBudget::kShort) WriteAttribute("id", Id(kLinkId, own));
     WriteAttribute("form", Id(kFormId, index));
     if (shared != kNoIndex) {
       WriteAttribute("formaction", EncodeTarget(submission.address));
       WriteAttribute("formmethod", submission.post ? "post" : "get");
       if (submission.multipart) WriteAttribute("formenctype", "multipart/form-data");
     }
-    if (!forms_[index].hidesFixed && fixed.size() == 1 && !fixed[0]->name.empty()) {
-      WriteAttribute("name", fixed[0]->name);
-      WriteAttribute("value", fixed[0]->text);
+    if (value != nullptr) {
+      WriteAttribute("name", value->name);
+      WriteAttribute("value", value->text);
     }
     WriteTitle(link.title);
     out_ << '>';
@@ -470,15 +499,15 @@ class HtmlWriter : public BlockSink {
 
   void WriteForm(std::size_t index, Form &form) {
     if (std::exchange(form.written, true)) return;
-    const Submission &submission = form.submission;
+    const Submission &submission = form.sending->submission;
     out_ << "<form";
     WriteAttribute("id", Id(kFormId, index));
     WriteAttribute("action", EncodeTarget(submission.address));
     WriteAttribute("method", submission.post ? "post" : "get");
     if (submission.multipart) WriteAttribute("enctype", "multipart/form-data");
     out_ << '>';
-    if (form.hidesFixed) {
-      for (const Submission::Value *value : Fixed(submission)) WriteHidden(*value);
+    if (form.HidesFixed()) {
+      for (const Submission::Value *value : form.sending->fixed) WriteHidden(*value);
     }
     for (const Submission::Value &value : hidden_[index]) WriteHidden(value);
     out_ << "</form>\n";
@@ -496,10 +525,9 @@ class HtmlWriter : public BlockSink {
 
   void WriteField(const Field &field) {
     ++fields_;
-    if (field.action != kNoIndex && forms_.count(field.action) == 0) {
-      if (const auto submission = SubmissionOfAction(field.action)) {
-        FormOf(field.action, *submission);
-      }
+    if (field.action != kNoIndex) {
+      const Sending *sending = SendingOf(field.action);
+      if (sending != nullptr) forms_.try_emplace(field.action, Form{sending});
     }
     if (field.kind == FieldKind::kInput) {
       WriteInput(field);
@@ -564,16 +592,20 @@ class HtmlWriter : public BlockSink {
     if (!isButton) EndLabel(field);
   }
 
-  // Calls `begin` and `end` around the options of each group.
+  // Calls `begin` with the title and `end` around the options of each group. A long title that
+  // groups within have interrupted too often is not written in full again.
   template <typename Begin, typename Take, typename End>
-  void ForEachOption(const Field &field, Begin begin, Take take, End end) const {
+  void ForEachOption(const Field &field, Begin begin, Take take, End end) {
     PartIndex group = kNoIndex;
     for (PartIndex index = 0; index < field.optionCount; ++index) {
       const FieldOption &option = parts_->options[field.firstOption + index];
       if (option.group != group) {
         if (group != kNoIndex) end();
         group = option.group;
-        if (group != kNoIndex) begin(parts_->groups[group].title.shown);
+        if (group != kNoIndex) {
+          const std::string_view title = parts_->groups[group].title.shown;
+          repeats_.MaySay(groups_, group, title.size()) ? begin(title) : begin(AsAbove(title));
+        }
       }
       take(option);
     }
@@ -741,11 +773,14 @@ class HtmlWriter : public BlockSink {
   std::size_t embedded_ = 0;  ///< bytes of pictures in the page
   std::unordered_set<std::string> ids_;
   std::unordered_set<std::string> accessKeys_;
-  std::unordered_set<std::size_t> said_;       ///< actions whose target or values stand above
-  std::unordered_set<std::size_t> explained_;  ///< actions whose explanation stands above
-  std::map<std::size_t, Form> forms_;          ///< by action
-  std::map<std::size_t, Values> hidden_;       ///< more that forms send
-  std::unordered_map<std::string_view, const Field *> cardFields_;  ///< by variable
+  std::unordered_set<std::size_t> said_;     ///< actions whose target or values stand above
+  std::unordered_set<std::size_t> buttons_;  ///< actions with a long button above
+  std::unordered_set<std::size_t> groups_;   ///< of options, with a long title above
+  std::unordered_map<std::size_t, std::size_t> explained_;              ///< bytes, by action
+  std::unordered_map<std::size_t, std::unique_ptr<Sending>> sendings_;  ///< by action
+  std::map<std::size_t, Form> forms_;                                   ///< by action
+  std::map<std::size_t, Values> hidden_;                                ///< more that forms send
+  std::unordered_map<std::string_view, const Field *> cardFields_;      ///< by variable
 };
 
 }  // namespace

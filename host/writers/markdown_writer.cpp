@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "host/text/printable.h"
@@ -299,7 +300,7 @@ class MarkdownWriter : public BlockSink {
   // proportion, and then once at the end, where they refer to.
   void CloseLink(const Link &link) {
     const std::size_t size = link.target.size() + link.title.size();
-    if (MayRepeat(said_, link, size)) {
+    if (link.actionIndex == kNoIndex || repeats_.MaySay(said_, link.actionIndex, size)) {
       MarkdownText::CloseBracket(line_, link.target, WithVisibleFormats(link.title));
       return;
     }
@@ -317,16 +318,14 @@ class MarkdownWriter : public BlockSink {
     return "target " + std::to_string(documents_) + '.' + std::to_string(action);
   }
 
-  bool MayRepeat(std::unordered_set<PartIndex> &said, const Link &link, std::size_t size) {
-    if (link.actionIndex == kNoIndex || size < RepeatBudget::kShort) return true;
-    if (!said.insert(link.actionIndex).second) return repeats_.Spend(size);
-    repeats_.Earn(size);
-    return true;
-  }
-
   void AppendDetails(const Link &link) {
+    const auto said = explained_.find(link.actionIndex);
+    if (said != explained_.end() && !repeats_.Spend(said->second)) return;
     const std::string details = WithVisibleFormats(reader_.Details(link));
-    if (!MayRepeat(explained_, link, details.size())) return;
+    const bool isLong = link.actionIndex != kNoIndex && details.size() >= RepeatBudget::kShort;
+    if (isLong && explained_.emplace(link.actionIndex, details.size()).second) {
+      repeats_.Earn(details.size());
+    }
     text_.AppendWhole(line_, details, false);
   }
 
@@ -400,10 +399,11 @@ class MarkdownWriter : public BlockSink {
   std::unordered_set<std::string> anchors_;
   std::size_t documents_ = 0;
   RepeatBudget repeats_;
-  std::unordered_set<PartIndex> said_;        ///< actions whose target stands above
-  std::unordered_set<PartIndex> explained_;   ///< actions whose details stand above
+  std::unordered_set<std::size_t> said_;      ///< actions whose long target stands above
   std::unordered_set<PartIndex> referredTo_;  ///< actions whose target stands at the end
   std::string definitions_;                   ///< what stands at the end
+  /// Bytes of long details that stand above, by action.
+  std::unordered_map<PartIndex, std::size_t> explained_;
 };
 
 }  // namespace

@@ -6,6 +6,11 @@
 #define VS_WML_HOST_WRITERS_REPEAT_BUDGET_H
 
 #include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "host/text/utf8.h"
 
 namespace vs_wml {
 
@@ -25,11 +30,27 @@ class RepeatBudget {
     left_ -= bytes;
     return true;
   }
+  /// Whether the value of `index` may be written where it is used: it is short, is none of those
+  /// `said`, which it then becomes, or may be written again.
+  bool MaySay(std::unordered_set<std::size_t> &said, std::size_t index, std::size_t bytes) {
+    if (bytes < kShort) return true;
+    if (!said.insert(index).second) return Spend(bytes);
+    Earn(bytes);
+    return true;
+  }
 
  private:
   static constexpr std::size_t kRepeats = 8;
   std::size_t left_ = 65536;
 };
+
+/// What stands for a long text that stands above in full: how it begins.
+inline std::string AsAbove(std::string_view text) {
+  constexpr std::size_t kShown = 24;
+  std::size_t end = text.size() < kShown ? text.size() : kShown;
+  while (end != 0 && end != text.size() && !StartsCharacter(text[end])) --end;
+  return std::string(text.substr(0, end)) + "... (as above)";
+}
 
 }  // namespace vs_wml
 

@@ -76,8 +76,13 @@ void TakeQuery(Submission &submission, bool resolved) {
 
 }  // namespace
 
+bool TakesForm(const Task &task) {
+  return task.kind == TaskKind::kGo &&
+         (task.Posts() || !task.target.resolved || !task.PostFields().empty());
+}
+
 std::optional<Submission> SubmissionOf(const Link &link) {
-  if (link.action == nullptr || link.action->task.kind != TaskKind::kGo) return std::nullopt;
+  if (link.action == nullptr || !TakesForm(link.action->task)) return std::nullopt;
   if (link.target.empty() || link.target.starts_with('#') || !IsSafeTarget(link.target)) {
     return std::nullopt;
   }
@@ -92,10 +97,7 @@ std::optional<Submission> SubmissionOf(const Link &link) {
     submission.values.push_back({std::string(field.name.shown), std::string(field.value.shown),
                                  std::string(SoleVariable(field.value)), field.value.resolved});
   }
-  if (!submission.post) {
-    if (submission.values.empty() && task.target.resolved) return std::nullopt;
-    TakeQuery(submission, task.target.resolved);
-  }
+  if (!submission.post) TakeQuery(submission, task.target.resolved);
   possible = possible && (task.target.resolved || !HasVariable(submission.address));
   return possible ? std::optional(std::move(submission)) : std::nullopt;
 }

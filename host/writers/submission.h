@@ -27,6 +27,9 @@ struct Submission {
   std::vector<Value> values;
 };
 
+/// Whether a task may need a form: it posts, sends fields, or has variables in its target.
+bool TakesForm(const Task &task);
+
 /// What following a link sends, when that takes a form: it posts, sends fields, or asks for
 /// variables in its query. Nothing when it does not, or when no form could send it.
 std::optional<Submission> SubmissionOf(const Link &link);

@@ -10,6 +10,7 @@
 namespace vs_wml {
 namespace {
 
+constexpr std::size_t kLongTarget = 1024;
 constexpr std::string_view kLinkSchemes[] = {"http", "https", "ftp", "mailto", "tel",
                                              "sms",  "smsto", "mms", "wtai",   "rtsp"};
 constexpr std::string_view kImageSchemes[] = {"http", "https"};
@@ -149,8 +150,17 @@ LinkOutcome LinkReader::OutcomeOf(const Link &link) const {
     default:
       return LinkOutcome::kNothing;
   }
+  if (link.target.empty()) return LinkOutcome::kEmpty;
+  if (link.actionIndex == kNoIndex || link.target.size() < kLongTarget) {
+    return OutcomeOfTarget(link);
+  }
+  const auto [entry, isNew] = outcomes_.try_emplace(link.actionIndex);
+  if (isNew) entry->second = OutcomeOfTarget(link);
+  return entry->second;
+}
+
+LinkOutcome LinkReader::OutcomeOfTarget(const Link &link) const {
   const std::string_view target = link.target;
-  if (target.empty()) return LinkOutcome::kEmpty;
   if (link.action != nullptr && !link.action->task.target.resolved) return LinkOutcome::kUnresolved;
   if (!IsSafeTarget(target)) return LinkOutcome::kUnsafe;
   const bool inDeck = adapted_ && target.starts_with('#');

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "host/document.h"
@@ -56,8 +57,12 @@ class LinkReader {
   std::string Explanation(const Link &link, bool works) const;
 
  private:
+  LinkOutcome OutcomeOfTarget(const Link &link) const;
+
   bool adapted_ = false;
   std::unordered_set<std::string_view> cards_;  ///< their ids
+  /// Of long targets, which may have many users, by action.
+  mutable std::unordered_map<PartIndex, LinkOutcome> outcomes_;
 };
 
 /// Whether a target is an address of its own, of whatever scheme.

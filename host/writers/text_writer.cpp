@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "host/images/picture_formats.h"
@@ -120,6 +121,7 @@ class TextWriter : public BlockSink {
     reader_ = LinkReader(deck);
     repeats_ = {};
     said_.clear();
+    groups_.clear();
     if (!nameHeading_) return;
     out_ << "==> " << Printable(deck.name) << " <==\n";
   }
@@ -170,6 +172,11 @@ class TextWriter : public BlockSink {
     std::size_t begin;
     std::size_t end;
     std::size_t columns;  // of its widest line
+  };
+  // A target that stands above.
+  struct Said {
+    std::uint32_t number;  // of its link
+    std::size_t size;
   };
   // A cell of the row that is written.
   struct RowCell {
@@ -316,7 +323,8 @@ class TextWriter : public BlockSink {
       if (option.group != group && option.group != kNoIndex) {
         const std::string_view title = parts_->groups[option.group].title.shown;
         line();
-        if (repeats_.Spend(title.size())) made.append(title).append(":");
+        const bool whole = repeats_.MaySay(groups_, option.group, title.size());
+        (whole ? made.append(title) : made.append(AsAbove(title))) += ':';
       }
       group = option.group;
       line();
@@ -336,27 +344,30 @@ class TextWriter : public BlockSink {
     return "\x1B]8;;" + EncodeTarget(link.target) + "\x1B\\" + shown + "\x1B]8;;\x1B\\";
   }
 
-  // Whether a link is listed as another that does the same: its values are long, and have been
-  // listed so often that once more would be out of proportion.
-  bool RefersToOther(const Link &link, std::size_t size) {
-    if (link.actionIndex == kNoIndex || size < RepeatBudget::kShort) return false;
-    const auto [entry, first] = said_.try_emplace(link.actionIndex, link.number);
-    if (first) repeats_.Earn(size);
-    if (first || repeats_.Spend(size)) return false;
-    linkList_ += "as ";
-    AppendBracketed(linkList_, std::to_string(entry->second));
-    return true;
-  }
-
-  // Every link is listed once, in the card where it begins.
+  // Every link is listed once, in the card where it begins; as another that does the same where
+  // their values are long, and have been listed so often that once more would be out of
+  // proportion.
   void NoteLink(const Link &link) {
     if (link.number == listedLinks_) return;
     listedLinks_ = link.number;
     AppendBracketed(linkList_, std::to_string(link.number));
     linkList_ += ' ';
-    const std::string target = ListedTarget(link);
-    if (!RefersToOther(link, target.size())) linkList_ += target;
+    const auto said = said_.find(link.actionIndex);
+    if (said != said_.end() && !repeats_.Spend(said->second.size)) {
+      linkList_ += "as ";
+      AppendBracketed(linkList_, std::to_string(said->second.number));
+    } else {
+      const std::string target = ListedTarget(link);
+      if (said == said_.end()) NoteSaid(link, target.size());
+      linkList_ += target;
+    }
     linkList_ += '\n';
+  }
+
+  void NoteSaid(const Link &link, std::size_t size) {
+    if (link.actionIndex == kNoIndex || size < RepeatBudget::kShort) return;
+    said_.emplace(link.actionIndex, Said{link.number, size});
+    repeats_.Earn(size);
   }
 
   void FlushBlank() {
@@ -422,8 +433,9 @@ class TextWriter : public BlockSink {
   const DeckParts *parts_ = nullptr;
   LinkReader reader_;
   RepeatBudget repeats_;
-  std::unordered_map<PartIndex, std::uint32_t> said_;  ///< numbers of links, by action
-  bool drawing_ = false;                               ///< small pictures are drawn, not named
+  std::unordered_map<PartIndex, Said> said_;  ///< long targets, by action
+  std::unordered_set<std::size_t> groups_;    ///< of options, with a long title above
+  bool drawing_ = false;                      ///< small pictures are drawn, not named
   bool firstCard_ = true;
   bool written_ = false;  ///< something stands above, so that a blank line separates
   bool blank_ = false;    ///< a blank line comes before the next line

@@ -114,6 +114,12 @@ TEST(TextWriter, ShowsChoicesTargetsAndDirections) {
   }
 }
 
+std::string Repeated(const std::string &text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
 // The actions of a template stand in every card; long ones are said once they are too many.
 TEST(Writers, SayLongValuesInProportion) {
   const std::string target(1000, 'u');
@@ -122,6 +128,14 @@ TEST(Writers, SayLongValuesInProportion) {
   const std::string text = Written(Format::kText, deck + "<card>");
   EXPECT_LT(text.size(), 400000U);
   EXPECT_NE(text.find("] as [1]\n"), std::string::npos);
+  const std::string title(1000, 't');
+  const std::string groups =
+      Written(Format::kText,
+              "<p><select><optgroup title='" + title + "'><option>a</option>" +
+                  Repeated("<optgroup><option>b</option></optgroup><option>c</option>", 1000) +
+                  "</optgroup></select></p>");
+  EXPECT_NE(groups.find(title + ":\n"), std::string::npos);
+  EXPECT_NE(groups.find(title.substr(0, 24) + "... (as above):\n"), std::string::npos);
   const std::string markdown = Written(Format::kMarkdown, deck + "<card>");
   EXPECT_LT(markdown.size(), 300000U);
   EXPECT_NE(markdown.find("[S][target 1.0]\n"), std::string::npos);
@@ -301,6 +315,45 @@ TEST(HtmlWriter, LongTargetsAreReferredTo) {
   EXPECT_LT(page.size(), 200000U);
   EXPECT_NE(page.find("<a href=\"" + target + "\" id=\"unwml-link-0\">x</a>"), std::string::npos);
   EXPECT_NE(page.find("<a href=\"#unwml-link-0\">x</a>"), std::string::npos);
+}
+
+// Other long values with many users: what a button sends, titles of links and of groups.
+TEST(HtmlWriter, LongValuesAreReferredTo) {
+  const std::string value(1000, 'v');
+  const std::string field = "<postfield name='f' value='$n'/>";
+  const struct {
+    std::string content;
+    std::string first;
+    std::string later;
+  } cases[] = {
+      {"<p><a href='x' title='" + value + "'>" + Repeated("x<br/>", 1000) + "</a></p>",
+       "<a href=\"x\" id=\"unwml-link-0\" title=\"" + value + "\">x</a>",
+       "<a href=\"#unwml-link-0\">x</a>"},
+      {"</card><template><do label='S'><go href='s'><postfield name='n' value='" + value +
+           "'/></go></do></template>" + Repeated("<card><p>x</p></card>", 1000) + "<card>",
+       "<button id=\"unwml-link-0\" form=\"unwml-form-0\" name=\"n\" value=\"" + value + "\">S",
+       "<a href=\"#unwml-link-0\" class=\"key\">S</a>"},
+      {"</card><template><do label='R'><go href='r" + value + "' method='post'>" + field +
+           "</go></do></template>" +
+           Repeated("<card><p><input name='n'/></p><do name='2' label='S'><go href='s' "
+                    "method='post'>" +
+                        field + "</go></do></card>",
+                    1000) +
+           "<card>",
+       "<button id=\"unwml-link-0\" form=\"unwml-form-1\" formaction=\"r" + value + "\"",
+       "<a href=\"#unwml-link-0\" class=\"key\">R</a>"},
+      {"<p><select><optgroup title='" + value + "'><option>a</option>" +
+           Repeated("<optgroup><option>b</option></optgroup><option>c</option>", 1000) +
+           "</optgroup></select></p>",
+       "<optgroup label=\"" + value + "\">",
+       "<optgroup label=\"" + value.substr(0, 24) + "... (as above)\">"},
+  };
+  for (const auto &item : cases) {
+    const std::string page = Written(Format::kHtml, item.content);
+    EXPECT_LT(page.size(), 800000U) << item.first;
+    EXPECT_NE(page.find(item.first), std::string::npos) << item.first;
+    EXPECT_NE(page.find(item.later), std::string::npos) << item.later;
+  }
 }
 
 // The action of a template stands in each card; its form, once in the page.
