@@ -57,7 +57,7 @@ class BlockAssembler {
 
  private:
   void CloseRun();
-  [[gnu::noinline]] void RepairRun();
+  void RepairRun();
   bool IsWellFormed(std::string_view text) const;
   void StartContent();
   Content CurrentContent() const;

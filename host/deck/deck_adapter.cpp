@@ -91,17 +91,17 @@ class DeckAdapter {
   // What no part has a place for.
   static bool IsTaken(std::string_view attributes, const Attribute &attribute);
   void KeepRest(const Element &element, const Token &token);
-  [[gnu::noinline]] void KeepUnknown(const Token &token);
+  void KeepUnknown(const Token &token);
   void KeepTag(const Token &token, std::string_view taken);
   bool IsRepeated(const Token &token, const Attribute &attribute) const;
   void Own(Remainder::Owner owner, PartIndex index);
 
   // Text.
-  [[gnu::noinline]] bool HasCardFor(const Token &token);
+  bool HasCardFor(const Token &token);
   void Characters(const Token &token);
   void Reference(std::string_view text, std::size_t &at);
   void Variable(std::string_view text, std::size_t &at);
-  [[gnu::noinline]] bool HiddenVariable(std::string_view text, std::size_t &at);
+  bool HiddenVariable(std::string_view text, std::size_t &at);
   void ShowVariable(std::string_view written);
   void Write(std::string_view text);
   void WritePlain(std::string_view text);

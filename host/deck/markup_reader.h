@@ -71,13 +71,13 @@ class MarkupReader {
 
  private:
   bool StartsMarkup(std::size_t at) const;
-  [[gnu::noinline]] bool IsLooseTag(std::size_t at) const;
+  bool IsLooseTag(std::size_t at) const;
   bool StartsWith(std::size_t at, std::string_view prefix) const;
   bool ReadBareTag(Token &token);
   // Out of line, like all that is rarer, to keep short what reads nearly every tag.
-  [[gnu::noinline]] bool ReadOther(Token &token);
+  bool ReadOther(Token &token);
   void ReadText(Token &token);
-  [[gnu::noinline]] std::size_t FindMarkup(std::size_t at) const;
+  std::size_t FindMarkup(std::size_t at) const;
   [[gnu::noinline]] bool ReadSection(Token &token);
   bool ReadCdata(Token &token);
   void SkipComment();
@@ -85,12 +85,12 @@ class MarkupReader {
   void SkipUntil(std::size_t from, std::string_view end, const char *warning);
   void SkipToTagEnd();
   void ReadTag(Token &token);
-  [[gnu::noinline]] void SkipEndTag();
-  [[gnu::noinline]] void ReadAttributes(Token &token);
+  void SkipEndTag();
+  void ReadAttributes(Token &token);
   void ReadAttribute(Token &token);
   std::string_view ReadValue(const Token &token);
   bool ReadQuotedValue(std::string_view &value);
-  [[gnu::noinline]] bool ReadCurlyQuotedValue(std::string_view &value);
+  bool ReadCurlyQuotedValue(std::string_view &value);
   std::string_view ReadName();
   std::size_t FindOnce(std::string_view what, std::size_t from);
   void Warn(const char *message, std::size_t offset) const;

@@ -126,7 +126,7 @@ class ServedWriter {
   void WriteLinkStart(const ServedReference &reference);
   void WriteEnd(const Open &open);
   bool OutsideCells() const { return InTable() != InCell(); }
-  [[gnu::noinline]] void EnsureCell();
+  void EnsureCell();
   bool ResumeCell();
   void LeaveOutPartEnd();
   void AddPartEnd(std::string_view tag);
