@@ -75,7 +75,7 @@ complete -F _unwml unwml
 )";
 }
 
-// The description of an option in a specification of zsh, where brackets end it.
+// The description of an option as _arguments of zsh takes it, where brackets end it.
 std::string Bracketed(std::string_view text) {
   std::string bracketed = "[";
   for (const char c : text) {
